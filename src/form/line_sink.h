@@ -1,0 +1,49 @@
+#pragma once
+// Where the system's own output lines go. The host hands one to the core: the command line
+// writes them to standard output, the window also shows them in its log pane.
+
+#include <functional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillory {
+
+class LineSink {
+ public:
+  virtual ~LineSink() = default;
+  // One line of output, without its line end.
+  virtual void line(std::string_view text) = 0;
+};
+
+// Writes each line to a stream, followed by a line feed, and flushes so that lines appear as
+// the work goes even when the stream is a pipe.
+class StreamSink : public LineSink {
+ public:
+  explicit StreamSink(std::ostream& stream) : stream_(stream) {}
+  void line(std::string_view text) override { stream_ << text << '\n' << std::flush; }
+
+ private:
+  std::ostream& stream_;
+};
+
+// Keeps the lines in memory (tests, and hosts that show them later).
+class RecordingSink : public LineSink {
+ public:
+  void line(std::string_view text) override { lines.emplace_back(text); }
+  std::vector<std::string> lines;
+};
+
+// Hands every line to a callback (a host's log view, or several sinks at once).
+class CallbackSink : public LineSink {
+ public:
+  explicit CallbackSink(std::function<void(std::string_view)> callback)
+      : callback_(std::move(callback)) {}
+  void line(std::string_view text) override { callback_(text); }
+
+ private:
+  std::function<void(std::string_view)> callback_;
+};
+
+}  // namespace quillory

@@ -1,0 +1,35 @@
+#pragma once
+// The records that opening a source document makes: one per media clip, and one per title
+// template the user can choose from.
+
+#include <optional>
+#include <string>
+
+#include "source/date_time.h"
+#include "source/xml_handles.h"
+
+namespace quillory {
+
+struct ClipRecord {
+  std::string clip_name;
+  std::string file_name;
+  std::string reel;
+  std::string scene;
+  std::string shottake;
+  std::string lognote;
+  std::string frame_string;
+  std::optional<DateTime> time;
+  xmlNode* xml = nullptr;         // the clip's <clip> element in the source document
+  xml::SharedDocument document;  // keeps that document alive
+};
+
+struct TitleTemplate {
+  std::string name;
+  std::string type;  // "Text" or "Outline Text"
+  // The generator item to copy: a <generatoritem> of the source document, or (for the built-in
+  // template) a parsed fragment whose top-level nodes are copied.
+  xmlNode* xml = nullptr;
+  xml::SharedDocument document;  // the document `xml` belongs to
+};
+
+}  // namespace quillory

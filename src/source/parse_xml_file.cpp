@@ -1,0 +1,91 @@
+#include "source/parse_xml_file.h"
+
+#include <libxml/parser.h>
+
+#include <cerrno>
+#include <cstring>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+#include <system_error>
+
+#include "source/line_repair.h"
+#include "source/read_xml.h"
+
+namespace quillory {
+namespace {
+
+constexpr int kFirstParseOptions = XML_PARSE_RECOVER | XML_PARSE_NOBLANKS;
+constexpr int kRepairedParseOptions = XML_PARSE_RECOVER;
+
+// A parse that gives no document at all cannot go on: report the parser's last word on it.
+xml::Document require_document(xml::ParsedXml& parsed, const std::string& path) {
+  if (!parsed.document) {
+    const std::string reason = parsed.diagnostics.empty()
+                                   ? path + ": the parser built no document"
+                                   : xml::describe(parsed.diagnostics.back(), path);
+    throw std::runtime_error("quillory: cannot read " + path + " as XML: " + reason);
+  }
+  return std::move(parsed.document);
+}
+
+std::string root_name_of(const xmlDoc* doc) {
+  if (doc->children == nullptr || doc->children->name == nullptr) return {};
+  return reinterpret_cast<const char*>(doc->children->name);
+}
+
+}  // namespace
+
+std::string read_file_bytes(const std::string& path) {
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                       &std::fclose);
+  if (!file) {
+    throw std::system_error(errno, std::generic_category(), "quillory: cannot open " + path);
+  }
+  std::string bytes;
+  char buffer[1 << 16];
+  std::size_t count = 0;
+  while ((count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0) bytes.append(buffer, count);
+  if (std::ferror(file.get())) {
+    throw std::system_error(errno, std::generic_category(), "quillory: cannot read " + path);
+  }
+  return bytes;
+}
+
+LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
+  const std::string bytes = read_file_bytes(path);
+  xml::ParsedXml first = xml::read_xml(bytes, path, kFirstParseOptions);
+  xml::Document document = require_document(first, path);
+  if (first.diagnostics.empty()) {
+    out.line("no errors parsing file!");
+    std::string root = root_name_of(document.get());
+    return {std::move(document), std::move(root)};
+  }
+
+  out.line(std::to_string(first.diagnostics.size()) + " errors parsing file!!!");
+  std::vector<std::string> lines = split_lines(bytes);
+  for (const auto& diagnostic : first.diagnostics) {
+    out.line("...fixing line " + std::to_string(diagnostic.line));
+    // A diagnostic without a line, or past the last line (an empty tail of a truncated file),
+    // names nothing that could be repaired.
+    if (diagnostic.line >= 1 && static_cast<std::size_t>(diagnostic.line) <= lines.size()) {
+      auto& line = lines[static_cast<std::size_t>(diagnostic.line) - 1];
+      line = repair_line(line);
+    }
+  }
+
+  xml::ParsedXml second = xml::read_xml(join_lines(lines), path, kRepairedParseOptions);
+  document = require_document(second, path);
+  if (second.diagnostics.empty()) {
+    out.line("no errors parsing good_string!");
+  } else {
+    out.line(std::to_string(second.diagnostics.size()) + " errors parsing good_string!!!");
+    for (auto& line : lines) line = repair_line(line);
+    xml::ParsedXml third = xml::read_xml(join_lines(lines), path, kRepairedParseOptions);
+    document = require_document(third, path);
+  }
+  std::string root = root_name_of(document.get());
+  return {std::move(document), std::move(root)};
+}
+
+}  // namespace quillory

@@ -1,0 +1,27 @@
+#pragma once
+// Loading a source document, repairing text that is not well-formed UTF-8.
+
+#include <string>
+
+#include "form/line_sink.h"
+#include "source/xml_handles.h"
+
+namespace quillory {
+
+struct LoadedDocument {
+  xml::Document document;
+  // Name of the document's first top-level node: the declared root of a document type
+  // declaration, "comment" for a leading comment, the root element's tag otherwise; empty
+  // when the document has no top-level node.
+  std::string root_name;
+};
+
+// Reads the whole file. Throws with the operating system's reason, naming the path.
+std::string read_file_bytes(const std::string& path);
+
+// Parses the file at `path`; when the parser reports anything, removes invalid UTF-8 from the
+// lines it names (and, if that is not enough, from every line) and parses the repaired text.
+// Writes its progress lines to `out`. The file itself is never changed.
+LoadedDocument parse_xml_file(const std::string& path, LineSink& out);
+
+}  // namespace quillory

@@ -1,0 +1,55 @@
+#include "source/read_xml.h"
+
+#include <libxml/HTMLparser.h>
+#include <libxml/parser.h>
+
+#include <climits>
+#include <stdexcept>
+
+#include "source/diagnostic_collector.h"
+
+namespace quillory::xml {
+namespace {
+
+int checked_length(std::string_view text, const std::string& source_name) {
+  if (text.size() > static_cast<std::size_t>(INT_MAX)) {
+    throw std::runtime_error("quillory: " + source_name + " is larger than 2 GiB and cannot be read");
+  }
+  return static_cast<int>(text.size());
+}
+
+}  // namespace
+
+ParsedXml read_xml(std::string_view text, const std::string& source_name, int options) {
+  // No XML_PARSE_NOENT (entities stay references) and no DTD loading: a document cannot make
+  // the parser fetch or expand anything outside the text it was given.
+  const int safe_options = (options | XML_PARSE_NONET) & ~(XML_PARSE_NOENT | XML_PARSE_DTDLOAD);
+  ParsedXml result;
+  DiagnosticCollector collector;
+  result.document.reset(xmlReadMemory(text.data(), checked_length(text, source_name),
+                                      source_name.c_str(), nullptr, safe_options));
+  result.diagnostics = collector.take();
+  return result;
+}
+
+Document read_html_fragment(std::string_view text, const std::string& source_name) {
+  DiagnosticCollector collector;
+  Document doc(reinterpret_cast<xmlDoc*>(htmlReadMemory(
+      text.data(), checked_length(text, source_name), source_name.c_str(), "UTF-8",
+      HTML_PARSE_NOIMPLIED | HTML_PARSE_NODEFDTD | HTML_PARSE_NONET | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING)));
+  auto diagnostics = collector.take();
+  if (!doc || doc->children == nullptr) {
+    std::string reason = diagnostics.empty() ? "no element found"
+                                             : describe(diagnostics.back(), source_name);
+    throw std::runtime_error("quillory: cannot parse the " + source_name + " fragment: " + reason);
+  }
+  return doc;
+}
+
+std::string describe(const Diagnostic& diagnostic, const std::string& source_name) {
+  std::string where = source_name;
+  if (diagnostic.line > 0) where += ":" + std::to_string(diagnostic.line);
+  return where + ": " + diagnostic.message;
+}
+
+}  // namespace quillory::xml

@@ -1,0 +1,34 @@
+#pragma once
+// Small reads and writes on elements that every part of the system needs.
+
+#include <optional>
+#include <string>
+
+#include "source/xml_handles.h"
+
+namespace quillory::xml {
+
+// The concatenation of all text below the node.
+std::string text_content(const xmlNode* node);
+
+// The first child element with the given name and no namespace (what the relative XPath
+// "name" selects), or null.
+xmlNode* first_child_element(const xmlNode* parent, const char* name);
+
+// The last child element with the given name, or null.
+xmlNode* last_child_element(const xmlNode* parent, const char* name);
+
+std::optional<std::string> attribute(const xmlNode* node, const char* name);
+
+// Replaces the element's content by one text node holding `text` as it stands: markup
+// characters are escaped when the document is written, never read as entity references.
+void set_text(xmlNode* element, const std::string& text);
+
+// The element's name and the line libxml2 recorded for it, e.g. "<clip> at line 12".
+std::string where(const xmlNode* node);
+
+// Reads a leading decimal integer the way C's strtol does: leading blanks and a sign allowed,
+// reading stops at the first non-digit, no digits give 0. Out-of-range values saturate.
+long long leading_integer(const std::string& text);
+
+}  // namespace quillory::xml

@@ -1,0 +1,29 @@
+#include "startup/frame_rates.h"
+
+#include <sstream>
+
+namespace quillory {
+
+std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timebase) {
+  for (const auto& rate : FRAME_RATES) {
+    if (rate.ntsc == ntsc && rate.timebase == timebase) return rate;
+  }
+  return std::nullopt;
+}
+
+std::optional<RateRecord> find_frame_rate_by_type(std::string_view type) {
+  for (const auto& rate : FRAME_RATES) {
+    if (rate.type == type) return rate;
+  }
+  return std::nullopt;
+}
+
+std::string describe(const RateRecord& rate) {
+  std::ostringstream text;
+  text << rate.type << " (timebase " << rate.timebase << ", ntsc " << rate.ntsc << ", fcp_rate ";
+  std::visit([&text](auto value) { text << value; }, rate.fcp_rate);
+  text << ")";
+  return text.str();
+}
+
+}  // namespace quillory

@@ -1,0 +1,24 @@
+#pragma once
+// Start-up: prepares the libraries and the per-user folder "Ferncroft", and fixes the paths
+// that every export writes to.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillory {
+
+struct OutputPaths {
+  // Both absent when no application-data folder is known (HOME and XDG_DATA_HOME unset).
+  std::optional<std::string> APP_SUPPORT_SUBFOLDER;
+  std::optional<std::string> TEMP_XML_FILE;
+};
+
+// Runs start-up with the given folder list (the first entry is used). Creates the folder
+// "Ferncroft" in it when missing; throws std::system_error naming the path when that fails.
+OutputPaths start_up(const std::vector<std::string>& folders);
+
+// Runs start-up with the user's own application-data folders.
+OutputPaths start_up();
+
+}  // namespace quillory

@@ -1,0 +1,224 @@
+#include "titles/create_fcp_xml.h"
+
+#include <array>
+#include <stdexcept>
+#include <vector>
+
+#include "source/read_xml.h"
+#include "source/xml_nodes.h"
+#include "source/xpath_query.h"
+#include "titles/compose_title_text.h"
+#include "titles/replace_file.h"
+#include "titles/sequence_templates.h"
+
+namespace quillory {
+namespace {
+
+constexpr const char* kTitleName = "Quillory Card";
+constexpr std::size_t kAudioTracks = 4;
+
+[[noreturn]] void fail(const std::string& message) {
+  throw std::runtime_error("quillory: " + message);
+}
+
+std::string clip_label(std::size_t index, const ClipRecord& clip) {
+  return "clip " + std::to_string(index + 1) + " \"" + clip.clip_name + "\" (" +
+         xml::where(clip.xml) + ")";
+}
+
+xmlNode* required_child(xmlNode* parent, const char* name, const std::string& owner) {
+  xmlNode* child = xml::first_child_element(parent, name);
+  if (child == nullptr) fail(owner + " has no <" + name + ">");
+  return child;
+}
+
+const TitleTemplate& choose_template(const Form& form, const ControllerFields& fields) {
+  if (fields.templates_array.empty()) {
+    fail("no source document is open: open an xmeml export before creating titles");
+  }
+  const std::optional<std::string> selected = form.templatePopup.titleOfSelectedItem();
+  if (selected) {
+    for (const auto& candidate : fields.templates_array) {
+      if (candidate.name == *selected) return candidate;
+    }
+  }
+  return fields.templates_array.front();
+}
+
+// Copies `node` into `doc` and appends the copy as the last child of `parent`; a document or
+// fragment contributes copies of its top-level nodes. Returns the last element copied.
+xmlNode* append_copy(xmlNode* parent, xmlNode* node) {
+  const bool fragment = node->type == XML_DOCUMENT_NODE || node->type == XML_HTML_DOCUMENT_NODE ||
+                        node->type == XML_DOCUMENT_FRAG_NODE;
+  xmlNode* last_element = nullptr;
+  for (xmlNode* source = fragment ? node->children : node; source != nullptr;
+       source = fragment ? source->next : nullptr) {
+    xml::Node copy(xmlDocCopyNode(source, parent->doc, 1));
+    if (!copy) throw std::bad_alloc();
+    const bool is_element = copy->type == XML_ELEMENT_NODE;
+    xmlNode* added = xmlAddChild(parent, copy.release());  // may merge and free a text node
+    if (is_element) last_element = added;
+  }
+  return last_element;
+}
+
+long long add_frames(long long position, long long length, const std::string& clip) {
+  long long end = 0;
+  if (__builtin_add_overflow(position, length, &end)) {
+    fail(clip + " does not fit in the sequence: its duration " + std::to_string(length) +
+         " at frame " + std::to_string(position) + " is out of range");
+  }
+  return end;
+}
+
+// One run of title creation over an output document built from the empty sequence.
+class SequenceBuilder {
+ public:
+  SequenceBuilder(const Form& form, const ControllerFields& fields, LineSink& out)
+      : form_(form), fields_(fields), out_(out), template_(choose_template(form, fields)) {
+    xml::ParsedXml parsed = xml::read_xml(empty_sequence_xml(), "empty sequence", 0);
+    if (!parsed.document || !parsed.diagnostics.empty()) {
+      fail("the built-in empty sequence does not parse");
+    }
+    document_ = std::move(parsed.document);
+    sequence_ = xml::XPathQuery("//sequence").first(xml::as_node(document_.get()));
+    const std::string owner = "the built-in empty sequence";
+    xml::set_text(required_child(sequence_, "name", owner), form_.nameField.stringValue());
+    xmlNode* rate = required_child(sequence_, "rate", owner);
+    xml::set_text(required_child(rate, "ntsc", owner), fields_.ntsc);
+    xml::set_text(required_child(rate, "timebase", owner), std::to_string(fields_.timebase));
+    video_tracks_ = xml::XPathQuery("media/video/track").all(sequence_);
+    audio_tracks_ = xml::XPathQuery("media/audio/track").all(sequence_);
+    if (video_tracks_.size() < 2 || audio_tracks_.size() < kAudioTracks) {
+      fail("the built-in empty sequence lacks its tracks");
+    }
+  }
+
+  void place_all_clips() {
+    const LineSettings lines = read_line_settings(form_);
+    long long position = 0;
+    for (std::size_t i = 0; i < fields_.clips_array.size(); ++i) {
+      position = place_clip(i, fields_.clips_array[i], lines, position);
+    }
+  }
+
+  void remove_link_indexes() {
+    for (const char* path : {"//link/mediatype", "//link/trackindex", "//link/clipindex",
+                             "//link/groupindex"}) {
+      for (xmlNode* node : xml::XPathQuery(path).all(xml::as_node(document_.get()))) {
+        xmlUnlinkNode(node);
+        xmlFreeNode(node);
+      }
+    }
+  }
+
+  std::string text() const {
+    xmlChar* buffer = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemoryEnc(document_.get(), &buffer, &size, "UTF-8", 1);
+    const xml::XmlString owned(buffer);
+    if (buffer == nullptr) fail("cannot write the title sequence as XML text");
+    return std::string(reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(size));
+  }
+
+ private:
+  long long place_clip(std::size_t index, const ClipRecord& clip, const LineSettings& lines,
+                       long long position) {
+    const std::string label = clip_label(index, clip);
+    out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position));
+    const long long length =
+        xml::leading_integer(xml::text_content(required_child(clip.xml, "duration", label)));
+    out_.line("  " + clip.clip_name + ", " + clip.file_name + ", " + std::to_string(length));
+    const std::string start = std::to_string(position);
+    const long long end_frame = add_frames(position, length, label);
+    const std::string end = std::to_string(end_frame);
+    const std::string title_text = compose_title_text(clip, lines);
+
+    xmlNode* video_item = video_clip_item_.first(clip.xml);
+    if (video_item == nullptr) fail(label + " has no video clip item (media/video/track/clipitem)");
+    const std::vector<xmlNode*> audio_items = audio_clip_items_.all(clip.xml);
+    if (audio_items.size() > kAudioTracks) {
+      fail(label + " has " + std::to_string(audio_items.size()) +
+           " audio clip items; the sequence has 4 audio tracks, so the audio clip item " +
+           xml::where(audio_items[kAudioTracks]) + " has no track to go to");
+    }
+
+    xmlNode* placed = append_copy(video_tracks_[0], video_item);
+    set_timing(placed, start, end, label + ": its video clip item");
+    if (form_.tcrCheckbox.state() == 1) {
+      const xml::Document filter = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
+      append_copy(placed, xml::as_node(filter.get()));
+    }
+    for (std::size_t k = 0; k < audio_items.size(); ++k) {
+      xmlNode* audio = append_copy(audio_tracks_[k], audio_items[k]);
+      set_timing(audio, start, end, label + ": its audio clip item " + xml::where(audio_items[k]));
+    }
+    place_title(label, title_text, start, end, std::to_string(length));
+    return end_frame;
+  }
+
+  static void set_timing(xmlNode* item, const std::string& start, const std::string& end,
+                         const std::string& owner) {
+    xml::set_text(required_child(item, "start", owner), start);
+    xml::set_text(required_child(item, "end", owner), end);
+  }
+
+  void place_title(const std::string& clip, const std::string& text, const std::string& start,
+                   const std::string& end, const std::string& length) {
+    const std::string owner = "the title template \"" + template_.name + "\" (for " + clip + ")";
+    xmlNode* title = append_copy(video_tracks_[1], template_.xml);
+    if (title == nullptr || !xmlStrEqual(title->name, BAD_CAST "generatoritem")) {
+      fail(owner + " holds no <generatoritem>");
+    }
+    xml::set_text(required_child(title, "name", owner), kTitleName);
+    xml::set_text(required_child(title, "duration", owner), length);
+    xml::set_text(required_child(title, "out", owner), length);
+    xml::set_text(required_child(title, "start", owner), start);
+    xml::set_text(required_child(title, "end", owner), end);
+
+    std::optional<std::size_t> text_value;
+    if (template_.type == "Text") text_value = 0;
+    if (template_.type == "Outline Text") text_value = 1;
+    if (!text_value) return;
+    const std::vector<xmlNode*> values = effect_values_.all(title);
+    if (values.size() <= *text_value) {
+      fail(owner + " has " + std::to_string(values.size()) +
+           " effect/parameter/value elements; a \"" + template_.type + "\" title needs " +
+           std::to_string(*text_value + 1));
+    }
+    xml::set_text(values[*text_value], text);
+  }
+
+  const Form& form_;
+  const ControllerFields& fields_;
+  LineSink& out_;
+  const TitleTemplate& template_;
+  xml::Document document_;
+  xmlNode* sequence_ = nullptr;
+  std::vector<xmlNode*> video_tracks_;
+  std::vector<xmlNode*> audio_tracks_;
+  xml::XPathQuery video_clip_item_{"media/video/track/clipitem"};
+  xml::XPathQuery audio_clip_items_{"media/audio/track/clipitem"};
+  xml::XPathQuery effect_values_{"effect/parameter/value"};
+};
+
+}  // namespace
+
+std::string build_title_sequence(const Form& form, const ControllerFields& fields,
+                                 LineSink& out) {
+  SequenceBuilder builder(form, fields, out);
+  builder.place_all_clips();
+  builder.remove_link_indexes();
+  return builder.text();
+}
+
+void create_fcp_xml(const Form& form, const ControllerFields& fields,
+                    const std::optional<std::string>& output_path, LineSink& out) {
+  if (!output_path) {
+    fail("no output folder is known: set HOME (or XDG_DATA_HOME to an absolute path) so that "
+         "titles can be written to its Ferncroft folder");
+  }
+  replace_file(*output_path, build_title_sequence(form, fields, out));
+}
+
+}  // namespace quillory

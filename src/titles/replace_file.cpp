@@ -1,0 +1,77 @@
+#include "titles/replace_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+#include <vector>
+
+namespace quillory {
+namespace {
+
+[[noreturn]] void fail(const std::string& what, const std::string& path, int error) {
+  throw std::system_error(error, std::generic_category(), "quillory: cannot " + what + " " + path);
+}
+
+// Removes the temporary file unless the rename has taken it over.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::string& target) : path_(target + ".XXXXXX") {
+    std::vector<char> name(path_.begin(), path_.end());
+    name.push_back('\0');
+    fd_ = ::mkstemp(name.data());
+    if (fd_ < 0) fail("create a temporary file beside", target, errno);
+    path_.assign(name.data());
+  }
+  ~TemporaryFile() {
+    if (fd_ >= 0) ::close(fd_);
+    if (!renamed_) ::unlink(path_.c_str());
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  void write_all(std::string_view content) {
+    while (!content.empty()) {
+      const ssize_t written = ::write(fd_, content.data(), content.size());
+      if (written < 0 && errno == EINTR) continue;
+      if (written < 0) fail("write", path_, errno);
+      content.remove_prefix(static_cast<std::size_t>(written));
+    }
+  }
+
+  // mkstemp creates the file readable by its owner only; an output file is an ordinary
+  // document, so give it the permissions a plain new file would get.
+  void set_default_permissions() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    if (::fchmod(fd_, 0666 & ~mask) != 0) fail("set the permissions of", path_, errno);
+  }
+
+  void commit(const std::string& target) {
+    if (::fsync(fd_) != 0) fail("write", path_, errno);
+    const int fd = fd_;
+    fd_ = -1;
+    if (::close(fd) != 0) fail("write", path_, errno);
+    if (::rename(path_.c_str(), target.c_str()) != 0) fail("replace", target, errno);
+    renamed_ = true;
+  }
+
+ private:
+  std::string path_;
+  int fd_ = -1;
+  bool renamed_ = false;
+};
+
+}  // namespace
+
+void replace_file(const std::string& path, std::string_view content) {
+  TemporaryFile temporary(path);
+  temporary.set_default_permissions();
+  temporary.write_all(content);
+  temporary.commit(path);
+}
+
+}  // namespace quillory
