@@ -1,0 +1,73 @@
+#pragma once
+// Helpers shared by the tests: temporary folders, files, XML tree comparison and running the
+// quillory binary.
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "source/xml_handles.h"
+
+namespace quillory::test {
+
+// A fresh folder under the system's temporary folder, removed with everything in it.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+  std::string file(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+// Sets an environment variable for the lifetime of the guard, then restores it.
+class EnvGuard {
+ public:
+  EnvGuard(const char* name, const char* value);  // value null: unset
+  ~EnvGuard();
+  EnvGuard(const EnvGuard&) = delete;
+  EnvGuard& operator=(const EnvGuard&) = delete;
+
+ private:
+  std::string name_;
+  bool had_value_;
+  std::string old_value_;
+};
+
+void write_file(const std::string& path, const std::string& bytes);
+std::string read_file(const std::string& path);
+
+// Parses XML text strictly; fails the test on any diagnostic.
+xml::Document parse(const std::string& text);
+
+// Compares two element trees: names, attributes and text, ignoring whitespace-only text nodes.
+// Returns "" when equal, else a description of the first difference.
+std::string tree_difference(const xmlNode* expected, const xmlNode* actual);
+std::string tree_difference(const std::string& expected_xml, const std::string& actual_xml);
+
+struct CommandResult {
+  int exit_code = -1;
+  std::string out;
+  std::string err;
+};
+
+// Runs a program with arguments (no shell), extra environment assignments ("NAME=value") and a
+// time limit, capturing standard output and standard error.
+CommandResult run_command(const std::vector<std::string>& argv,
+                          const std::vector<std::string>& environment = {}, int timeout_seconds = 60);
+
+// A minimal xmeml master clip for tests; `extra` is inserted into the clip element.
+std::string media_clip(const std::string& name, const std::string& file_id, int duration,
+                       const std::string& file_definition = "", const std::string& ntsc = "FALSE",
+                       int timebase = 25, const std::string& audio = "");
+std::string file_definition(const std::string& id, const std::string& name,
+                            const std::string& reel = "", const std::string& timecode = "",
+                            const std::string& metadata = "");
+std::string metadata(const std::string& key, const std::string& value);
+std::string xmeml(const std::string& body);
+
+}  // namespace quillory::test

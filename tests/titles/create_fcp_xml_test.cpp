@@ -1,0 +1,166 @@
+#include "titles/create_fcp_xml.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "form/memory_form.h"
+#include "source/get_info_from_clips.h"
+#include "source/xml_nodes.h"
+#include "source/xpath_query.h"
+#include "test_support.h"
+
+namespace quillory {
+namespace {
+
+using test::file_definition;
+using test::media_clip;
+
+std::string audio_track(int items) {
+  std::string track = "<track>";
+  for (int i = 0; i < items; ++i) {
+    track += "<clipitem id=\"a" + std::to_string(i) + "\"><start>-1</start><end>-1</end>"
+             "<link><linkclipref>x</linkclipref><trackindex>1</trackindex></link></clipitem>";
+  }
+  return track + "</track>";
+}
+
+class CreatingTitles : public ::testing::Test {
+ protected:
+  void open(const std::string& body) {
+    const std::string path = dir.file("dailies.xml");
+    test::write_file(path, test::xmeml(body));
+    get_info_from_clips(path, form, fields, out);
+  }
+  std::string create() {
+    create_fcp_xml(form, fields, output, out);
+    return test::read_file(*output);
+  }
+  std::vector<std::string> texts(const xml::Document& doc, const char* path) {
+    std::vector<std::string> result;
+    for (xmlNode* node : xml::XPathQuery(path).all(xml::as_node(doc.get()))) {
+      result.push_back(xml::text_content(node));
+    }
+    return result;
+  }
+
+  test::TempDir dir;
+  MemoryForm memory;
+  Form form = memory.form();
+  ControllerFields fields;
+  RecordingSink out;
+  std::optional<std::string> output = dir.file("Quillory.xml");
+};
+
+TEST_F(CreatingTitles, LaysClipsEndToEndWithTitlesAndAudio) {
+  open(media_clip("A", "f", 100, file_definition("f", "a.mov", "R1"), "FALSE", 25,
+                  audio_track(2)) +
+       media_clip("B", "f", 50, "", "FALSE", 25, audio_track(1) + audio_track(1)));
+  memory.nameField.value = "Dailies & more";
+  memory.line_popups[0].selected = "Clip Name";
+  memory.line_labels[1].value = "Reel";
+  memory.line_popups[1].selected = "Reel Name";
+  fields.ntsc = "FALSE";
+  fields.timebase = 25;
+  out.lines.clear();
+  const xml::Document doc = test::parse(create());
+  EXPECT_EQ(out.lines, (std::vector<std::string>{"Clip 1 at 0", "  A, a.mov, 100", "Clip 2 at 100",
+                                                 "  B, a.mov, 50"}));
+  EXPECT_EQ(texts(doc, "//sequence/name"), std::vector<std::string>{"Dailies & more"});
+  EXPECT_EQ(texts(doc, "//sequence/rate/timebase"), std::vector<std::string>{"25"});
+  EXPECT_EQ(texts(doc, "//sequence/media/video/track[1]/clipitem/start"),
+            (std::vector<std::string>{"0", "100"}));
+  EXPECT_EQ(texts(doc, "//sequence/media/video/track[1]/clipitem/end"),
+            (std::vector<std::string>{"100", "150"}));
+  EXPECT_EQ(texts(doc, "//sequence/media/audio/track[1]/clipitem/start"),
+            (std::vector<std::string>{"0", "100"}));
+  EXPECT_EQ(texts(doc, "//sequence/media/audio/track[2]/clipitem/end"),
+            (std::vector<std::string>{"100", "150"}));
+  EXPECT_TRUE(texts(doc, "//sequence/media/audio/track[3]/clipitem").empty());
+  EXPECT_EQ(texts(doc, "//generatoritem/name"),
+            (std::vector<std::string>{"Quillory Card", "Quillory Card"}));
+  EXPECT_EQ(texts(doc, "//generatoritem/duration"), (std::vector<std::string>{"100", "50"}));
+  EXPECT_EQ(texts(doc, "//generatoritem/out"), (std::vector<std::string>{"100", "50"}));
+  EXPECT_EQ(texts(doc, "//generatoritem/start"), (std::vector<std::string>{"0", "100"}));
+  EXPECT_EQ(texts(doc, "//generatoritem/in"), (std::vector<std::string>{"0", "0"}));
+  EXPECT_EQ(texts(doc, "//generatoritem/effect/parameter[1]/value"),
+            (std::vector<std::string>{"A\rReel R1\r", "B\rReel R1\r"}));
+  EXPECT_TRUE(texts(doc, "//link/mediatype | //link/trackindex | //link/clipindex | "
+                         "//link/groupindex").empty());
+  EXPECT_EQ(texts(doc, "//link/linkclipref").size(), 6U);
+  EXPECT_TRUE(texts(doc, "//filter/effect[effectid='Timecode Reader']").empty());
+}
+
+TEST_F(CreatingTitles, TimecodeReaderOnlyWhenCheckedAndOutlineTextInSecondValue) {
+  const std::string outline =
+      "<clip><name>Slate</name><media><video><track><generatoritem id=\"s\"><name>S</name>"
+      "<duration>1</duration><in>0</in><out>1</out><start>0</start><end>1</end><effect>"
+      "<effectid>Outline Text</effectid><parameter><value>first</value></parameter><parameter>"
+      "<value>second</value></parameter></effect></generatoritem></track></video></media></clip>";
+  open(media_clip("A", "f", 10, file_definition("f", "a.mov")) + outline);
+  memory.templatePopup.selected = "Slate";
+  memory.line_popups[0].selected = "Text";
+  memory.line_labels[0].value = "hi";
+  memory.tcrCheckbox.value = -1;
+  xml::Document doc = test::parse(create());
+  EXPECT_EQ(texts(doc, "//generatoritem/effect/parameter/value"),
+            (std::vector<std::string>{"first", "hi\r"}));
+  EXPECT_TRUE(texts(doc, "//effectid[.='Timecode Reader']").empty());
+  memory.tcrCheckbox.value = 1;
+  doc = test::parse(create());
+  EXPECT_EQ(texts(doc, "//video/track[1]/clipitem/filter[last()]/effect/effectid"),
+            std::vector<std::string>{"Timecode Reader"});
+  EXPECT_EQ(texts(doc, "//effectid[.='Timecode Reader']").size(), 1U);
+  memory.templatePopup.selected = "No such template";
+  doc = test::parse(create());
+  EXPECT_EQ(texts(doc, "//generatoritem/@id"), std::vector<std::string>{"Quillory Card"});
+}
+
+TEST_F(CreatingTitles, RunsLeaveTheListsUnchangedAndGiveIdenticalFiles) {
+  open(media_clip("A", "f", 10, file_definition("f", "a.mov"), "FALSE", 25, audio_track(4)));
+  memory.tcrCheckbox.value = 1;
+  const std::string first = create();
+  const std::string second = create();
+  EXPECT_EQ(first, second);
+  EXPECT_EQ(xml::text_content(xml::XPathQuery(".//start").first(fields.clips_array[0].xml)), "-1");
+}
+
+TEST_F(CreatingTitles, EmptyClipListWritesTheEmptySequence) {
+  open("");
+  const xml::Document doc = test::parse(create());
+  EXPECT_EQ(texts(doc, "//track").size(), 6U);
+  EXPECT_TRUE(texts(doc, "//clipitem | //generatoritem").empty());
+  EXPECT_TRUE(out.lines.back() == "...done!" || out.lines.back() == "----------");
+}
+
+TEST_F(CreatingTitles, FailureNamesTheClipAndKeepsThePreviousFile) {
+  test::write_file(*output, "previous run");
+  const auto failure = [this](const std::string& body) {
+    open(body);
+    try {
+      create_fcp_xml(form, fields, output, out);
+    } catch (const std::runtime_error& error) {
+      return std::string(error.what());
+    }
+    return std::string("no error");
+  };
+  EXPECT_NE(failure(media_clip("A", "f", 10, file_definition("f", "a.mov"), "FALSE", 25,
+                               audio_track(5)))
+                .find("clip 1 \"A\" (<clip> at line 4) has 5 audio clip items"),
+            std::string::npos);
+  EXPECT_NE(failure("<clip><name>V</name><duration>3</duration><rate><ntsc>FALSE</ntsc><timebase>"
+                    "25</timebase></rate><logginginfo><scene/><shottake/><lognote/></logginginfo>"
+                    "<media><audio><track><clipitem>" + file_definition("f", "a.mov") +
+                    "</clipitem></track></audio></media></clip>")
+                .find("clip 1 \"V\" (<clip> at line 4) has no video clip item"),
+            std::string::npos);
+  EXPECT_EQ(test::read_file(*output), "previous run");
+  output.reset();
+  EXPECT_NE(failure("").find("no output folder is known"), std::string::npos);
+  ControllerFields unopened;
+  EXPECT_THROW(create_fcp_xml(form, unopened, dir.file("x.xml"), out), std::runtime_error);
+  EXPECT_FALSE(std::filesystem::exists(dir.file("x.xml")));
+}
+
+}  // namespace
+}  // namespace quillory
