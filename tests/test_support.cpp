@@ -52,13 +52,13 @@ EnvGuard::~EnvGuard() {
   }
 }
 
-void write_file(const std::string& path, const std::string& bytes) {
+void write_file(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream file(path, std::ios::binary);
   file << bytes;
-  ASSERT_TRUE(file.good()) << "cannot write " << path;
+  ASSERT_TRUE(file.good()) << "cannot write " << path.string();
 }
 
-std::string read_file(const std::string& path) {
+std::string read_file(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   std::ostringstream bytes;
   bytes << file.rdbuf();

@@ -38,8 +38,8 @@ class EnvGuard {
   std::string old_value_;
 };
 
-void write_file(const std::string& path, const std::string& bytes);
-std::string read_file(const std::string& path);
+void write_file(const std::filesystem::path& path, const std::string& bytes);
+std::string read_file(const std::filesystem::path& path);
 
 // Parses XML text strictly; fails the test on any diagnostic.
 xml::Document parse(const std::string& text);

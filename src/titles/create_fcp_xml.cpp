@@ -62,6 +62,36 @@ xmlNode* append_copy(xmlNode* parent, xmlNode* node) {
   return last_element;
 }
 
+bool is_blank(const xmlNode* node) {
+  if (node->type != XML_TEXT_NODE || node->content == nullptr) return false;
+  for (const xmlChar* c = node->content; *c != 0; ++c) {
+    if (*c != ' ' && *c != '\t' && *c != '\n' && *c != '\r') return false;
+  }
+  return true;
+}
+
+// The empty sequence and the built-in title carry their own indentation while the copied clip
+// items carry none. Dropping the blank text between elements lets the writer indent the whole
+// document alike; text inside an element without child elements (a title made only of empty
+// lines, say) is content and stays.
+void remove_formatting_blanks(xmlNode* element) {
+  bool has_child_element = false;
+  for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
+    has_child_element = has_child_element || child->type == XML_ELEMENT_NODE;
+  }
+  if (!has_child_element) return;
+  for (xmlNode* child = element->children; child != nullptr;) {
+    xmlNode* next = child->next;
+    if (is_blank(child)) {
+      xmlUnlinkNode(child);
+      xmlFreeNode(child);
+    } else if (child->type == XML_ELEMENT_NODE) {
+      remove_formatting_blanks(child);
+    }
+    child = next;
+  }
+}
+
 long long add_frames(long long position, long long length, const std::string& clip) {
   long long end = 0;
   if (__builtin_add_overflow(position, length, &end)) {
@@ -113,6 +143,7 @@ class SequenceBuilder {
   }
 
   std::string text() const {
+    remove_formatting_blanks(xmlDocGetRootElement(document_.get()));
     xmlChar* buffer = nullptr;
     int size = 0;
     xmlDocDumpFormatMemoryEnc(document_.get(), &buffer, &size, "UTF-8", 1);
