@@ -22,8 +22,10 @@ int checked_length(std::string_view text, const std::string& source_name) {
 
 ParsedXml read_xml(std::string_view text, const std::string& source_name, int options) {
   // No XML_PARSE_NOENT (entities stay references) and no DTD loading: a document cannot make
-  // the parser fetch or expand anything outside the text it was given.
-  const int safe_options = (options | XML_PARSE_NONET) & ~(XML_PARSE_NOENT | XML_PARSE_DTDLOAD);
+  // the parser fetch or expand anything outside the text it was given. Big line numbers keep
+  // the lines named in messages right past line 65535 of a large export.
+  const int safe_options =
+      (options | XML_PARSE_NONET | XML_PARSE_BIG_LINES) & ~(XML_PARSE_NOENT | XML_PARSE_DTDLOAD);
   ParsedXml result;
   DiagnosticCollector collector;
   result.document.reset(xmlReadMemory(text.data(), checked_length(text, source_name),

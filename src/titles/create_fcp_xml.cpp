@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include <libxml/xmlsave.h>
+
 #include "source/read_xml.h"
 #include "source/xml_nodes.h"
 #include "source/xpath_query.h"
@@ -45,14 +47,11 @@ const TitleTemplate& choose_template(const Form& form, const ControllerFields& f
   return fields.templates_array.front();
 }
 
-// Copies `node` into `doc` and appends the copy as the last child of `parent`; a document or
-// fragment contributes copies of its top-level nodes. Returns the last element copied.
-xmlNode* append_copy(xmlNode* parent, xmlNode* node) {
-  const bool fragment = node->type == XML_DOCUMENT_NODE || node->type == XML_HTML_DOCUMENT_NODE ||
-                        node->type == XML_DOCUMENT_FRAG_NODE;
+// Copies `node` and every sibling after it into the document of `parent`, appending the copies
+// as its last children. Returns the last element appended (null when none was).
+xmlNode* append_copies(xmlNode* parent, xmlNode* first) {
   xmlNode* last_element = nullptr;
-  for (xmlNode* source = fragment ? node->children : node; source != nullptr;
-       source = fragment ? source->next : nullptr) {
+  for (xmlNode* source = first; source != nullptr; source = source->next) {
     xml::Node copy(xmlDocCopyNode(source, parent->doc, 1));
     if (!copy) throw std::bad_alloc();
     const bool is_element = copy->type == XML_ELEMENT_NODE;
@@ -60,6 +59,16 @@ xmlNode* append_copy(xmlNode* parent, xmlNode* node) {
     if (is_element) last_element = added;
   }
   return last_element;
+}
+
+// Appends a copy of `node`; a parsed fragment (a document) contributes its top-level nodes.
+xmlNode* append_copy(xmlNode* parent, xmlNode* node) {
+  if (node->type == XML_DOCUMENT_NODE || node->type == XML_HTML_DOCUMENT_NODE) {
+    return append_copies(parent, node->children);
+  }
+  xml::Node copy(xmlDocCopyNode(node, parent->doc, 1));
+  if (!copy) throw std::bad_alloc();
+  return xmlAddChild(parent, copy.release());
 }
 
 bool is_blank(const xmlNode* node) {
@@ -117,6 +126,11 @@ class SequenceBuilder {
     xmlNode* rate = required_child(sequence_, "rate", owner);
     xml::set_text(required_child(rate, "ntsc", owner), fields_.ntsc);
     xml::set_text(required_child(rate, "timebase", owner), std::to_string(fields_.timebase));
+    // Every title is a copy of the chosen template. Copying it once into the output document
+    // without its formatting blanks halves the nodes each title copy makes.
+    title_prototype_.reset(xmlNewDocNode(document_.get(), nullptr, BAD_CAST "titles", nullptr));
+    append_copy(title_prototype_.get(), template_.xml);
+    remove_formatting_blanks(title_prototype_.get());
     video_tracks_ = xml::XPathQuery("media/video/track").all(sequence_);
     audio_tracks_ = xml::XPathQuery("media/audio/track").all(sequence_);
     if (video_tracks_.size() < 2 || audio_tracks_.size() < kAudioTracks) {
@@ -132,24 +146,9 @@ class SequenceBuilder {
     }
   }
 
-  void remove_link_indexes() {
-    for (const char* path : {"//link/mediatype", "//link/trackindex", "//link/clipindex",
-                             "//link/groupindex"}) {
-      for (xmlNode* node : xml::XPathQuery(path).all(xml::as_node(document_.get()))) {
-        xmlUnlinkNode(node);
-        xmlFreeNode(node);
-      }
-    }
-  }
-
-  std::string text() const {
+  xml::Document finish() {
     remove_formatting_blanks(xmlDocGetRootElement(document_.get()));
-    xmlChar* buffer = nullptr;
-    int size = 0;
-    xmlDocDumpFormatMemoryEnc(document_.get(), &buffer, &size, "UTF-8", 1);
-    const xml::XmlString owned(buffer);
-    if (buffer == nullptr) fail("cannot write the title sequence as XML text");
-    return std::string(reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(size));
+    return std::move(document_);
   }
 
  private:
@@ -176,16 +175,28 @@ class SequenceBuilder {
 
     xmlNode* placed = append_copy(video_tracks_[0], video_item);
     set_timing(placed, start, end, label + ": its video clip item");
+    remove_link_indexes(placed);
     if (form_.tcrCheckbox.state() == 1) {
       const xml::Document filter = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
+      remove_formatting_blanks(xml::as_node(filter.get()));
       append_copy(placed, xml::as_node(filter.get()));
     }
     for (std::size_t k = 0; k < audio_items.size(); ++k) {
       xmlNode* audio = append_copy(audio_tracks_[k], audio_items[k]);
       set_timing(audio, start, end, label + ": its audio clip item " + xml::where(audio_items[k]));
+      remove_link_indexes(audio);
     }
     place_title(label, title_text, start, end, std::to_string(length));
     return end_frame;
+  }
+
+  // The placed items bring their links from the source document; the track and clip indexes
+  // in them point into that document's sequences, so they go.
+  void remove_link_indexes(xmlNode* item) {
+    for (xmlNode* node : link_indexes_.all(item)) {
+      xmlUnlinkNode(node);
+      xmlFreeNode(node);
+    }
   }
 
   static void set_timing(xmlNode* item, const std::string& start, const std::string& end,
@@ -197,10 +208,11 @@ class SequenceBuilder {
   void place_title(const std::string& clip, const std::string& text, const std::string& start,
                    const std::string& end, const std::string& length) {
     const std::string owner = "the title template \"" + template_.name + "\" (for " + clip + ")";
-    xmlNode* title = append_copy(video_tracks_[1], template_.xml);
+    xmlNode* title = append_copies(video_tracks_[1], title_prototype_->children);
     if (title == nullptr || !xmlStrEqual(title->name, BAD_CAST "generatoritem")) {
       fail(owner + " holds no <generatoritem>");
     }
+    remove_link_indexes(title);
     xml::set_text(required_child(title, "name", owner), kTitleName);
     xml::set_text(required_child(title, "duration", owner), length);
     xml::set_text(required_child(title, "out", owner), length);
@@ -231,16 +243,19 @@ class SequenceBuilder {
   xml::XPathQuery video_clip_item_{"media/video/track/clipitem"};
   xml::XPathQuery audio_clip_items_{"media/audio/track/clipitem"};
   xml::XPathQuery effect_values_{"effect/parameter/value"};
+  xml::XPathQuery link_indexes_{
+      "descendant-or-self::link/mediatype | descendant-or-self::link/trackindex | "
+      "descendant-or-self::link/clipindex | descendant-or-self::link/groupindex"};
+  xml::Node title_prototype_;
 };
 
 }  // namespace
 
-std::string build_title_sequence(const Form& form, const ControllerFields& fields,
-                                 LineSink& out) {
+xml::Document build_title_sequence(const Form& form, const ControllerFields& fields,
+                                   LineSink& out) {
   SequenceBuilder builder(form, fields, out);
   builder.place_all_clips();
-  builder.remove_link_indexes();
-  return builder.text();
+  return builder.finish();
 }
 
 void create_fcp_xml(const Form& form, const ControllerFields& fields,
@@ -249,7 +264,13 @@ void create_fcp_xml(const Form& form, const ControllerFields& fields,
     fail("no output folder is known: set HOME (or XDG_DATA_HOME to an absolute path) so that "
          "titles can be written to its Ferncroft folder");
   }
-  replace_file(*output_path, build_title_sequence(form, fields, out));
+  const xml::Document document = build_title_sequence(form, fields, out);
+  replace_file(*output_path, [&document](int fd) {
+    xmlSaveCtxt* save = xmlSaveToFd(fd, "UTF-8", XML_SAVE_FORMAT);
+    if (save == nullptr) return false;
+    const long written = xmlSaveDoc(save, document.get());
+    return xmlSaveClose(save) >= 0 && written >= 0;
+  });
 }
 
 }  // namespace quillory

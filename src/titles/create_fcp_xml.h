@@ -8,6 +8,7 @@
 #include "form/controller_fields.h"
 #include "form/controls.h"
 #include "form/line_sink.h"
+#include "source/xml_handles.h"
 
 namespace quillory {
 
@@ -18,8 +19,8 @@ namespace quillory {
 void create_fcp_xml(const Form& form, const ControllerFields& fields,
                     const std::optional<std::string>& output_path, LineSink& out);
 
-// The XML text of the title sequence, without writing it (the same document as the file).
-std::string build_title_sequence(const Form& form, const ControllerFields& fields,
-                                 LineSink& out);
+// The title sequence document that create_fcp_xml writes, without writing it.
+xml::Document build_title_sequence(const Form& form, const ControllerFields& fields,
+                                   LineSink& out);
 
 }  // namespace quillory

@@ -33,13 +33,9 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  void write_all(std::string_view content) {
-    while (!content.empty()) {
-      const ssize_t written = ::write(fd_, content.data(), content.size());
-      if (written < 0 && errno == EINTR) continue;
-      if (written < 0) fail("write", path_, errno);
-      content.remove_prefix(static_cast<std::size_t>(written));
-    }
+  void write_with(const std::function<bool(int)>& write) {
+    errno = 0;
+    if (!write(fd_)) fail("write", path_, errno != 0 ? errno : EIO);
   }
 
   // mkstemp creates the file readable by its owner only; an output file is an ordinary
@@ -67,10 +63,10 @@ class TemporaryFile {
 
 }  // namespace
 
-void replace_file(const std::string& path, std::string_view content) {
+void replace_file(const std::string& path, const std::function<bool(int fd)>& write) {
   TemporaryFile temporary(path);
   temporary.set_default_permissions();
-  temporary.write_all(content);
+  temporary.write_with(write);
   temporary.commit(path);
 }
 

@@ -3,12 +3,14 @@
 // renamed over the target only once it is completely written. A crash or a full disk leaves
 // the previous file as it was, never a partial one.
 
+#include <functional>
 #include <string>
-#include <string_view>
 
 namespace quillory {
 
-// Throws std::system_error naming the path when any step fails; the temporary file is removed.
-void replace_file(const std::string& path, std::string_view content);
+// `write` writes the new content to the file descriptor it is given and returns false when that
+// failed. Throws std::system_error naming the path when any step fails; the temporary file is
+// then removed and the previous file stays.
+void replace_file(const std::string& path, const std::function<bool(int fd)>& write);
 
 }  // namespace quillory
