@@ -125,6 +125,17 @@ TEST_F(CreatingTitles, RunsLeaveTheListsUnchangedAndGiveIdenticalFiles) {
   EXPECT_EQ(xml::text_content(xml::XPathQuery(".//start").first(fields.clips_array[0].xml)), "-1");
 }
 
+// The writer drops the blank text between elements to indent the document; a title whose
+// lines are all empty is blank text too, but it is content and must keep its line ends.
+TEST_F(CreatingTitles, TitleOfEmptyLinesKeepsItsCarriageReturns) {
+  open(media_clip("A", "f", 10, file_definition("f", "a.mov")));
+  memory.line_popups[0].selected = " ";
+  memory.line_popups[1].selected = " ";
+  const xml::Document doc = test::parse(create());
+  EXPECT_EQ(texts(doc, "//generatoritem/effect/parameter[1]/value"),
+            std::vector<std::string>{"\r\r"});
+}
+
 TEST_F(CreatingTitles, EmptyClipListWritesTheEmptySequence) {
   open("");
   const xml::Document doc = test::parse(create());
