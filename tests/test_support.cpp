@@ -10,7 +10,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -70,71 +69,6 @@ xml::Document parse(const std::string& text) {
   EXPECT_TRUE(parsed.diagnostics.empty())
       << (parsed.diagnostics.empty() ? "" : xml::describe(parsed.diagnostics[0], "test document"));
   return std::move(parsed.document);
-}
-
-namespace {
-
-bool is_blank_text(const xmlNode* node) {
-  if (node->type != XML_TEXT_NODE) return false;
-  for (const xmlChar* c = node->content; c != nullptr && *c != 0; ++c) {
-    if (!std::strchr(" \t\r\n", *c)) return false;
-  }
-  return true;
-}
-
-std::vector<const xmlNode*> significant_children(const xmlNode* node) {
-  std::vector<const xmlNode*> children;
-  for (const xmlNode* child = node->children; child != nullptr; child = child->next) {
-    if (child->type == XML_COMMENT_NODE || is_blank_text(child)) continue;
-    children.push_back(child);
-  }
-  return children;
-}
-
-std::string attributes_of(const xmlNode* node) {
-  std::string text;
-  for (const xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next) {
-    xml::XmlString value(xmlNodeGetContent(reinterpret_cast<const xmlNode*>(attr)));
-    text += std::string(reinterpret_cast<const char*>(attr->name)) + "=\"" +
-            reinterpret_cast<const char*>(value.get()) + "\" ";
-  }
-  return text;
-}
-
-std::string describe_node(const xmlNode* node) {
-  if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE) {
-    return "text \"" + std::string(reinterpret_cast<const char*>(node->content)) + "\"";
-  }
-  return "<" + std::string(reinterpret_cast<const char*>(node->name)) + " " + attributes_of(node) +
-         "> at line " + std::to_string(xmlGetLineNo(node));
-}
-
-}  // namespace
-
-std::string tree_difference(const xmlNode* expected, const xmlNode* actual) {
-  if (describe_node(expected).substr(0, describe_node(expected).find("> at line")) !=
-      describe_node(actual).substr(0, describe_node(actual).find("> at line"))) {
-    return "expected " + describe_node(expected) + ", found " + describe_node(actual);
-  }
-  const auto expected_children = significant_children(expected);
-  const auto actual_children = significant_children(actual);
-  const std::size_t common = std::min(expected_children.size(), actual_children.size());
-  for (std::size_t i = 0; i < common; ++i) {
-    std::string difference = tree_difference(expected_children[i], actual_children[i]);
-    if (!difference.empty()) return difference;
-  }
-  if (expected_children.size() != actual_children.size()) {
-    return describe_node(expected) + ": expected " + std::to_string(expected_children.size()) +
-           " children, found " + std::to_string(actual_children.size());
-  }
-  return {};
-}
-
-std::string tree_difference(const std::string& expected_xml, const std::string& actual_xml) {
-  const xml::Document expected = parse(expected_xml);
-  const xml::Document actual = parse(actual_xml);
-  if (!expected || !actual) return "a document does not parse";
-  return tree_difference(xmlDocGetRootElement(expected.get()), xmlDocGetRootElement(actual.get()));
 }
 
 CommandResult run_command(const std::vector<std::string>& argv,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "source/xml_handles.h"
+#include "xml_tree.h"
 
 namespace quillory::test {
 
@@ -44,10 +45,6 @@ std::string read_file(const std::filesystem::path& path);
 // Parses XML text strictly; fails the test on any diagnostic.
 xml::Document parse(const std::string& text);
 
-// Compares two element trees: names, attributes and text, ignoring whitespace-only text nodes.
-// Returns "" when equal, else a description of the first difference.
-std::string tree_difference(const xmlNode* expected, const xmlNode* actual);
-std::string tree_difference(const std::string& expected_xml, const std::string& actual_xml);
 
 struct CommandResult {
   int exit_code = -1;

@@ -1,0 +1,33 @@
+// quillory-gui: the Quillory window.
+
+#include <QApplication>
+#include <QMessageBox>
+#include <exception>
+
+#include "main_window.h"
+#include "startup/startup.h"
+
+int main(int argc, char** argv) {
+  QApplication app(argc, argv);
+  QApplication::setOrganizationName(QStringLiteral("Ferncroft"));
+  QApplication::setApplicationName(QStringLiteral("Quillory"));
+  QApplication::setApplicationVersion(QStringLiteral(QUILLORY_VERSION));
+  QApplication::setDesktopFileName(QStringLiteral("quillory"));
+
+  quillory::OutputPaths paths;
+  try {
+    paths = quillory::start_up();
+  } catch (const std::exception& failure) {
+    QMessageBox::critical(nullptr, QObject::tr("Quillory"),
+                          QObject::tr("Quillory cannot prepare its data folder.\n\n%1")
+                              .arg(QString::fromLocal8Bit(failure.what())));
+    return 1;
+  }
+
+  quillory::gui::MainWindow window(std::move(paths));
+  window.show();
+  // A document given on the command line (as the desktop entry passes it) opens at once.
+  const QStringList arguments = QApplication::arguments();
+  if (arguments.size() > 1) window.openDocument(arguments.at(1));
+  return QApplication::exec();
+}
