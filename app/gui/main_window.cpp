@@ -133,9 +133,7 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
   setAcceptDrops(true);
 
   buildWidgets();
-  form_ =
-      std::make_unique<QtForm>(QtFormWidgets{template_menu_, name_field_, line_labels_, line_menus_,
-                                             tcr_checkbox_, xml_icon_, xml_file_name_});
+  form_ = std::make_unique<QtForm>(controls_);
   controller_ = std::make_unique<Controller>(form_->form(), sink_, paths_);
 
   // The preview needs the controller's lists, so it joins the layout last.
@@ -148,9 +146,9 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
   restoreSettings();
   setTabOrder();
 
-  for (auto* edit : line_labels_)
+  for (auto* edit : controls_.lineLabels)
     connect(edit, &QLineEdit::textChanged, this, &MainWindow::refreshPreview);
-  for (auto* menu : line_menus_) {
+  for (auto* menu : controls_.linePopups) {
     connect(menu, &QComboBox::currentIndexChanged, this, &MainWindow::refreshPreview);
   }
   connect(rate_menu_, &QComboBox::currentIndexChanged, this, &MainWindow::applyRate);
@@ -173,39 +171,39 @@ void MainWindow::buildWidgets() {
   open_button_ = new QPushButton(tr("&Open…"), central);
   open_button_->setObjectName(QStringLiteral("openButton"));
   open_button_->setToolTip(tr("Choose a Final Cut Pro XML (xmeml) export"));
-  xml_icon_ = new QLabel(central);
-  xml_icon_->setObjectName(QStringLiteral("xmlIcon"));
+  controls_.xmlIcon = new QLabel(central);
+  controls_.xmlIcon->setObjectName(QStringLiteral("xmlIcon"));
   const int icon_size = style()->pixelMetric(QStyle::PM_LargeIconSize);
-  xml_icon_->setPixmap(style()->standardIcon(QStyle::SP_FileIcon).pixmap(icon_size, icon_size));
-  QSizePolicy keep_place = xml_icon_->sizePolicy();
+  controls_.xmlIcon->setPixmap(style()->standardIcon(QStyle::SP_FileIcon).pixmap(icon_size, icon_size));
+  QSizePolicy keep_place = controls_.xmlIcon->sizePolicy();
   keep_place.setRetainSizeWhenHidden(true);
-  xml_icon_->setSizePolicy(keep_place);
-  xml_icon_->setHidden(true);
-  xml_file_name_ = new QLabel(tr("No document open"), central);
-  xml_file_name_->setObjectName(QStringLiteral("xmlFileName"));
-  xml_file_name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  controls_.xmlIcon->setSizePolicy(keep_place);
+  controls_.xmlIcon->setHidden(true);
+  controls_.xmlFileName = new QLabel(tr("No document open"), central);
+  controls_.xmlFileName->setObjectName(QStringLiteral("xmlFileName"));
+  controls_.xmlFileName->setTextInteractionFlags(Qt::TextSelectableByMouse);
   auto* document_row = new QHBoxLayout;
   document_row->addWidget(open_button_);
-  document_row->addWidget(xml_icon_);
-  document_row->addWidget(xml_file_name_, 1);
+  document_row->addWidget(controls_.xmlIcon);
+  document_row->addWidget(controls_.xmlFileName, 1);
 
   // The sequence.
-  template_menu_ = new QComboBox(central);
-  template_menu_->setObjectName(QStringLiteral("templatePopup"));
-  template_menu_->setPlaceholderText(tr("(open a document)"));
-  template_menu_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  template_menu_->setMinimumContentsLength(16);
+  controls_.templatePopup = new QComboBox(central);
+  controls_.templatePopup->setObjectName(QStringLiteral("templatePopup"));
+  controls_.templatePopup->setPlaceholderText(tr("(open a document)"));
+  controls_.templatePopup->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  controls_.templatePopup->setMinimumContentsLength(16);
   rate_menu_ = new QComboBox(central);
   rate_menu_->setObjectName(QStringLiteral("ratePopup"));
   rate_menu_->setToolTip(tr("The new sequence's frame rate"));
-  name_field_ = new QLineEdit(central);
-  name_field_->setObjectName(QStringLiteral("nameField"));
-  name_field_->setAcceptDrops(false);
-  name_field_->setToolTip(tr("The new sequence's name"));
+  controls_.nameField = new QLineEdit(central);
+  controls_.nameField->setObjectName(QStringLiteral("nameField"));
+  controls_.nameField->setAcceptDrops(false);
+  controls_.nameField->setToolTip(tr("The new sequence's name"));
   auto* sequence_form = new QFormLayout;
-  sequence_form->addRow(tr("&Template:"), template_menu_);
+  sequence_form->addRow(tr("&Template:"), controls_.templatePopup);
   sequence_form->addRow(tr("Frame &rate:"), rate_menu_);
-  sequence_form->addRow(tr("Sequence &name:"), name_field_);
+  sequence_form->addRow(tr("Sequence &name:"), controls_.nameField);
 
   // The five title lines: a label in front, a choice of what the line shows.
   auto* lines_box = new QGroupBox(tr("Title lines"), central);
@@ -235,13 +233,13 @@ void MainWindow::buildWidgets() {
     lines_grid->addWidget(caption, row, 0);
     lines_grid->addWidget(edit, row, 1);
     lines_grid->addWidget(menu, row, 2);
-    line_labels_[i] = edit;
-    line_menus_[i] = menu;
+    controls_.lineLabels[i] = edit;
+    controls_.linePopups[i] = menu;
   }
   lines_grid->setColumnStretch(1, 1);
-  tcr_checkbox_ = new QCheckBox(tr("Timecode R&eader on every clip"), lines_box);
-  tcr_checkbox_->setObjectName(QStringLiteral("tcrCheckbox"));
-  lines_grid->addWidget(tcr_checkbox_, 6, 1, 1, 2);
+  controls_.tcrCheckbox = new QCheckBox(tr("Timecode R&eader on every clip"), lines_box);
+  controls_.tcrCheckbox->setObjectName(QStringLiteral("tcrCheckbox"));
+  lines_grid->addWidget(controls_.tcrCheckbox, 6, 1, 1, 2);
 
   auto* left = new QVBoxLayout;
   left->addLayout(sequence_form);
@@ -312,9 +310,9 @@ void MainWindow::buildMenus() {
 }
 
 void MainWindow::setTabOrder() {
-  QList<QWidget*> chain{open_button_, template_menu_, rate_menu_, name_field_};
-  for (std::size_t i = 0; i < 5; ++i) chain << line_labels_[i] << line_menus_[i];
-  chain << tcr_checkbox_ << preview_->clipMenu() << create_button_ << reveal_button_
+  QList<QWidget*> chain{open_button_, controls_.templatePopup, rate_menu_, controls_.nameField};
+  for (std::size_t i = 0; i < 5; ++i) chain << controls_.lineLabels[i] << controls_.linePopups[i];
+  chain << controls_.tcrCheckbox << preview_->clipMenu() << create_button_ << reveal_button_
         << save_copy_button_ << log_->toggleButton();
   for (qsizetype i = 1; i < chain.size(); ++i) QWidget::setTabOrder(chain[i - 1], chain[i]);
 }
@@ -323,10 +321,10 @@ void MainWindow::restoreSettings() {
   const QSettings settings;
   const FormSettings values = load_form_settings(settings);
   for (std::size_t i = 0; i < 5; ++i) {
-    line_labels_[i]->setText(values.labels[i]);
-    select_text(line_menus_[i], values.choices[i]);
+    controls_.lineLabels[i]->setText(values.labels[i]);
+    select_text(controls_.linePopups[i], values.choices[i]);
   }
-  tcr_checkbox_->setChecked(values.timecode_reader);
+  controls_.tcrCheckbox->setChecked(values.timecode_reader);
   select_text(rate_menu_, values.rate);
   applyRate();
   last_folder_ = values.last_folder;
@@ -336,10 +334,10 @@ void MainWindow::restoreSettings() {
 void MainWindow::saveSettings() const {
   FormSettings values;
   for (std::size_t i = 0; i < 5; ++i) {
-    values.labels[i] = line_labels_[i]->text();
-    values.choices[i] = line_menus_[i]->currentText();
+    values.labels[i] = controls_.lineLabels[i]->text();
+    values.choices[i] = controls_.linePopups[i]->currentText();
   }
-  values.timecode_reader = tcr_checkbox_->isChecked();
+  values.timecode_reader = controls_.tcrCheckbox->isChecked();
   values.rate = rate_menu_->currentText();
   values.last_folder = last_folder_;
   values.geometry = saveGeometry();
@@ -401,9 +399,9 @@ void MainWindow::refreshAfterOpen(const QString& path) {
   const auto& fields = controller_->fields();
   QStringList templates;
   for (const auto& title : fields.templates_array) templates << QString::fromStdString(title.name);
-  refill(template_menu_, templates);
+  refill(controls_.templatePopup, templates);
   fillRateMenu();
-  name_field_->setText(sequence_name_for(path));
+  controls_.nameField->setText(sequence_name_for(path));
   last_folder_ = QFileInfo(path).absolutePath();
   preview_->reloadClips();
   updateActions();
@@ -468,8 +466,8 @@ void MainWindow::revealOutput() {
 void MainWindow::saveOutputCopy() {
   const QString suggestion =
       QDir(last_folder_)
-          .filePath(name_field_->text().isEmpty() ? QStringLiteral("Titles.xml")
-                                                  : name_field_->text() + ".xml");
+          .filePath(controls_.nameField->text().isEmpty() ? QStringLiteral("Titles.xml")
+                                                  : controls_.nameField->text() + ".xml");
   const QString target = QFileDialog::getSaveFileName(this, tr("Save a Copy of the Titles"),
                                                       suggestion, tr("XML (*.xml)"));
   if (!target.isEmpty()) saveOutputCopyTo(target);

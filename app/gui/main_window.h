@@ -12,14 +12,12 @@
 #include <string_view>
 
 #include "form/line_sink.h"
+#include "qt_controls.h"
 #include "startup/controller.h"
 #include "startup/startup.h"
 
 class QAction;
-class QCheckBox;
-class QComboBox;
 class QLabel;
-class QLineEdit;
 class QProgressBar;
 class QPushButton;
 class QWidget;
@@ -27,7 +25,6 @@ class QWidget;
 namespace quillory::gui {
 
 class LogPane;
-class QtForm;
 class TitlePreview;
 
 class MainWindow : public QMainWindow {
@@ -76,14 +73,8 @@ class MainWindow : public QMainWindow {
   CallbackSink sink_;
   OutputPaths paths_;
 
-  QComboBox* template_menu_ = nullptr;
+  QtFormWidgets controls_;  // the widgets behind the form's named controls
   QComboBox* rate_menu_ = nullptr;
-  QLineEdit* name_field_ = nullptr;
-  std::array<QLineEdit*, 5> line_labels_{};
-  std::array<QComboBox*, 5> line_menus_{};
-  QCheckBox* tcr_checkbox_ = nullptr;
-  QLabel* xml_icon_ = nullptr;
-  QLabel* xml_file_name_ = nullptr;
   QPushButton* open_button_ = nullptr;
   QPushButton* create_button_ = nullptr;
   QWidget* output_row_ = nullptr;
