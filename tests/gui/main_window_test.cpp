@@ -276,18 +276,6 @@ class MainWindowTest : public QObject {
     QCOMPARE(control<QLineEdit>(*window, "nameField")->text(), name);
   }
 
-  void notXmemlBeforeAnyOpenKeepsTheIconHidden() {
-    const auto window = newWindow();
-    QTemporaryDir folder;
-    const QString other = folder.filePath(QStringLiteral("project.xml"));
-    QVERIFY(write_all(other, "<?xml version=\"1.0\"?>\n<project/>\n"));
-    QVERIFY(!window->openDocument(other));
-    close_dialogs(window.get());
-    QVERIFY(control<QLabel>(*window, "xmlIcon")->isHidden());
-    QCOMPARE(control<QComboBox>(*window, "templatePopup")->count(), 0);
-    QVERIFY(!control<QPushButton>(*window, "createButton")->isEnabled());
-  }
-
   void failedRunShowsTheMessageAndKeepsThePreviousOutput() {
     const auto window = newWindow();
     QVERIFY(window->openDocument(kExample));
@@ -313,25 +301,6 @@ class MainWindowTest : public QObject {
     QCOMPARE(read_all(window->outputPath()), before);
     QVERIFY(!window->isBusy());
     QVERIFY(control<QPushButton>(*window, "createButton")->isEnabled());
-  }
-
-  void failedOpenShowsTheMessage() {
-    const auto window = newWindow();
-    QTemporaryDir folder;
-    const QString broken = folder.filePath(QStringLiteral("no-rate.xml"));
-    QVERIFY(write_all(broken,
-                      "<?xml version=\"1.0\"?>\n<xmeml version=\"4\"><clip id=\"c1\"><name>c1"
-                      "</name><duration>10</duration><logginginfo><scene>1</scene><shottake>2"
-                      "</shottake><lognote/></logginginfo><media><video><track><clipitem>"
-                      "<name>c1</name><duration>10</duration><start>-1</start><end>-1</end>"
-                      "<file id=\"f1\"><name>c1.mov</name></file></clipitem></track></video>"
-                      "</media></clip></xmeml>\n"));
-    QVERIFY(!window->openDocument(broken));
-    const QStringList texts = close_dialogs(window.get());
-    QCOMPARE(texts.size(), 2);
-    QVERIFY2(texts.last().startsWith(QStringLiteral("quillory:")), qPrintable(texts.last()));
-    QVERIFY(!window->isBusy());
-    QVERIFY(control<QWidget>(*window, "openButton")->isEnabled());
   }
 
   void previewFollowsTheLabelsAndMenus() {
