@@ -18,6 +18,14 @@ int checked_length(std::string_view text, const std::string& source_name) {
   return static_cast<int>(text.size());
 }
 
+// libxml2 records the name as an escaped URI ("Edit%201.xml"); messages name the file as the
+// user wrote it.
+void keep_name(xmlDoc* doc, const std::string& source_name) {
+  if (doc == nullptr) return;
+  xmlFree(const_cast<xmlChar*>(doc->URL));
+  doc->URL = xmlStrdup(BAD_CAST source_name.c_str());
+}
+
 }  // namespace
 
 ParsedXml read_xml(std::string_view text, const std::string& source_name, int options) {
@@ -31,6 +39,7 @@ ParsedXml read_xml(std::string_view text, const std::string& source_name, int op
   result.document.reset(xmlReadMemory(text.data(), checked_length(text, source_name),
                                       source_name.c_str(), nullptr, safe_options));
   result.diagnostics = collector.take();
+  keep_name(result.document.get(), source_name);
   return result;
 }
 

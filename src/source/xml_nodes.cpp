@@ -50,6 +50,9 @@ std::string where(const xmlNode* node) {
   std::string text = "<" + std::string(reinterpret_cast<const char*>(node->name)) + ">";
   const long line = xmlGetLineNo(node);
   if (line > 0) text += " at line " + std::to_string(line);
+  if (node->doc != nullptr && node->doc->URL != nullptr) {
+    text += std::string(line > 0 ? " of " : " in ") + reinterpret_cast<const char*>(node->doc->URL);
+  }
   return text;
 }
 

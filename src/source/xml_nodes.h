@@ -24,7 +24,8 @@ std::optional<std::string> attribute(const xmlNode* node, const char* name);
 // characters are escaped when the document is written, never read as entity references.
 void set_text(xmlNode* element, const std::string& text);
 
-// The element's name and the line libxml2 recorded for it, e.g. "<clip> at line 12".
+// The element's name, the line libxml2 recorded for it and the document it comes from, e.g.
+// "<clip> at line 12 of /Volumes/Edit/dailies.xml".
 std::string where(const xmlNode* node);
 
 // Reads a leading decimal integer the way C's strtol does: leading blanks and a sign allowed,

@@ -83,7 +83,7 @@ TEST(GetFilesInfo, BrokenDefinitionsFailNamingTheElementAndLine) {
     }
     return std::string("no error");
   };
-  EXPECT_NE(message("<file id=\"x\"><pathurl>p</pathurl></file>").find("has no <name> (<file> at line 4)"),
+  EXPECT_NE(message("<file id=\"x\"><pathurl>p</pathurl></file>").find("has no <name> (<file> at line 4 of test document)"),
             std::string::npos);
   EXPECT_NE(message(file_definition("f", "a", "", "", "<metadata><key>k</key></metadata>"))
                 .find("no <value>"),

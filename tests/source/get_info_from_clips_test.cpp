@@ -134,7 +134,7 @@ TEST_F(Opening, MissingPiecesFailNamingTheClip) {
   EXPECT_NE(message(media_clip("A", "nowhere", 5)).find("id \"nowhere\""), std::string::npos);
   EXPECT_NE(message("<clip><duration>1</duration></clip>").find("a clip has no <name>"),
             std::string::npos);
-  EXPECT_NE(message("<clip><name>N</name><logginginfo/></clip>").find("clip \"N\" (<clip> at line 4) has no <file>"),
+  EXPECT_NE(message("<clip><name>N</name><logginginfo/></clip>").find("clip \"N\" (<clip> at line 4 of " + dir.file("source 3.xml") + ") has no <file>"),
             std::string::npos);
 }
 

@@ -157,13 +157,13 @@ TEST_F(CreatingTitles, FailureNamesTheClipAndKeepsThePreviousFile) {
   };
   EXPECT_NE(failure(media_clip("A", "f", 10, file_definition("f", "a.mov"), "FALSE", 25,
                                audio_track(5)))
-                .find("clip 1 \"A\" (<clip> at line 4) has 5 audio clip items"),
+                .find("clip 1 \"A\" (<clip> at line 4 of " + dir.file("dailies.xml") + ") has 5 audio"),
             std::string::npos);
   EXPECT_NE(failure("<clip><name>V</name><duration>3</duration><rate><ntsc>FALSE</ntsc><timebase>"
                     "25</timebase></rate><logginginfo><scene/><shottake/><lognote/></logginginfo>"
                     "<media><audio><track><clipitem>" + file_definition("f", "a.mov") +
                     "</clipitem></track></audio></media></clip>")
-                .find("clip 1 \"V\" (<clip> at line 4) has no video clip item"),
+                .find("clip 1 \"V\" (<clip> at line 4 of " + dir.file("dailies.xml") + ") has no video"),
             std::string::npos);
   EXPECT_EQ(test::read_file(*output), "previous run");
   output.reset();
