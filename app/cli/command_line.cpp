@@ -64,20 +64,13 @@ void add_options(CLI::App& app, Options& options) {
 
 void fill_form(const Options& options, MemoryForm& form) {
   form.templatePopup.selected = options.template_name;
-  form.nameField.value = options.name ? *options.name : default_sequence_name(options.source);
+  form.nameField.value = options.name ? *options.name : sequence_name_for(options.source);
   for (std::size_t i = 0; i < 5; ++i) {
     form.line_labels[i].value = options.labels[i];
     form.line_popups[i].selected =
         options.lines[i].empty() ? std::nullopt : std::optional<std::string>(options.lines[i]);
   }
   form.tcrCheckbox.value = options.tcr ? 1 : 0;
-}
-
-std::string default_sequence_name(const std::string& source) {
-  std::string name = base_name(source);
-  const auto dot = name.rfind('.');
-  if (dot != std::string::npos && dot > 0) name.erase(dot);
-  return name;
 }
 
 }  // namespace quillory::cli

@@ -33,7 +33,4 @@ void add_options(CLI::App& app, Options& options);
 // Sets the form's controls from the options.
 void fill_form(const Options& options, MemoryForm& form);
 
-// The source file's base name without its last extension.
-std::string default_sequence_name(const std::string& source);
-
 }  // namespace quillory::cli

@@ -8,7 +8,6 @@
 #include "exit_code.h"
 #include "listing.h"
 #include "startup/controller.h"
-#include "startup/frame_rates.h"
 
 namespace {
 
@@ -17,16 +16,11 @@ using quillory::cli::ExitCode;
 int status(ExitCode code) { return static_cast<int>(code); }
 
 // The sequence rate: the one asked for, else the first rate met among the source's clips.
-void set_sequence_rate(const quillory::cli::Options& options, quillory::ControllerFields& fields) {
-  std::optional<quillory::RateRecord> rate;
+void set_sequence_rate(const quillory::cli::Options& options, quillory::Controller& controller) {
   if (options.rate) {
-    rate = quillory::find_frame_rate_by_type(*options.rate);
-  } else if (!fields.frame_rates.empty()) {
-    rate = quillory::find_frame_rate_by_type(fields.frame_rates.front());
-  }
-  if (rate) {
-    fields.ntsc = std::string(rate->ntsc);
-    fields.timebase = rate->timebase;
+    controller.set_sequence_rate(*options.rate);
+  } else if (!controller.fields().frame_rates.empty()) {
+    controller.set_sequence_rate(controller.fields().frame_rates.front());
   }
 }
 
@@ -42,7 +36,7 @@ int run(const quillory::cli::Options& options) {
               << " is not an xmeml document (its first node is not <xmeml>); nothing was written\n";
     return status(ExitCode::Failed);
   }
-  set_sequence_rate(options, controller.fields());
+  set_sequence_rate(options, controller);
   if (options.list) {
     quillory::cli::print_listing(controller.fields(), std::cerr);
     return status(ExitCode::Success);

@@ -36,6 +36,7 @@
 #include "form_settings.h"
 #include "log_pane.h"
 #include "qt_controls.h"
+#include "source/get_info_from_clips.h"
 #include "startup/frame_rates.h"
 #include "title_preview.h"
 #include "titles/compose_title_text.h"
@@ -45,15 +46,6 @@ namespace {
 
 // How long an operation may keep the window from repainting.
 constexpr int kEventIntervalMs = 50;
-
-// The sequence name the command line also starts from: the file name without its last
-// extension (a name that is all extension is kept whole).
-QString sequence_name_for(const QString& path) {
-  QString name = QFileInfo(path).fileName();
-  const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
-  if (dot > 0) name.truncate(dot);
-  return name;
-}
 
 std::string local_path(const QString& path) {
   return QFile::encodeName(path).toStdString();
@@ -401,7 +393,8 @@ void MainWindow::refreshAfterOpen(const QString& path) {
   for (const auto& title : fields.templates_array) templates << QString::fromStdString(title.name);
   refill(controls_.templatePopup, templates);
   fillRateMenu();
-  controls_.nameField->setText(sequence_name_for(path));
+  controls_.nameField->setText(
+      QString::fromStdString(sequence_name_for(QFileInfo(path).fileName().toStdString())));
   last_folder_ = QFileInfo(path).absolutePath();
   preview_->reloadClips();
   updateActions();
@@ -423,10 +416,7 @@ void MainWindow::fillRateMenu() {
 }
 
 void MainWindow::applyRate() {
-  const auto rate = find_frame_rate_by_type(rate_menu_->currentText().toStdString());
-  if (!rate) return;
-  controller_->fields().ntsc = std::string(rate->ntsc);
-  controller_->fields().timebase = rate->timebase;
+  controller_->set_sequence_rate(rate_menu_->currentText().toStdString());
 }
 
 bool MainWindow::createTitles() {

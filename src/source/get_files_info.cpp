@@ -1,6 +1,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "source/failure.h"
 #include "source/media_file_record.h"
 #include "source/xml_nodes.h"
 #include "source/xpath_query.h"
@@ -16,7 +17,7 @@ struct FileQueries {
 };
 
 [[noreturn]] void fail(const xmlNode* node, const std::string& what) {
-  throw std::runtime_error("quillory: " + what + " (" + xml::where(node) + ")");
+  quillory::fail(what + " (" + xml::where(node) + ")");
 }
 
 // The text after the last "." of a key, with empty trailing parts disregarded.

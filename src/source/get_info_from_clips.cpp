@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "source/failure.h"
 #include "source/media_file_record.h"
 #include "source/parse_xml_file.h"
 #include "source/read_xml.h"
@@ -54,10 +55,6 @@ struct ClipQueries {
 
 std::string clip_label(const std::string& name, const xmlNode* clip) {
   return "clip \"" + name + "\" (" + xml::where(clip) + ")";
-}
-
-[[noreturn]] void fail(const std::string& message) {
-  throw std::runtime_error("quillory: " + message);
 }
 
 std::string required_text(xml::XPathQuery& query, xmlNode* clip, const std::string& clip_name) {
@@ -162,6 +159,13 @@ TitleTemplate built_in_template() {
 std::string base_name(const std::string& path) {
   const auto slash = path.rfind('/');
   return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string sequence_name_for(const std::string& path) {
+  std::string name = base_name(path);
+  const auto dot = name.rfind('.');
+  if (dot != std::string::npos && dot > 0) name.erase(dot);
+  return name;
 }
 
 std::optional<std::vector<std::string>> get_info_from_clips(const std::string& path, Form& form,

@@ -23,4 +23,8 @@ std::optional<std::vector<std::string>> get_info_from_clips(const std::string& p
 // The last component of a path, extension included.
 std::string base_name(const std::string& path);
 
+// The name a new sequence starts from: the file name without its last extension (a name that
+// is all extension is kept whole).
+std::string sequence_name_for(const std::string& path);
+
 }  // namespace quillory

@@ -2,6 +2,7 @@
 
 #include "source/get_info_from_clips.h"
 #include "titles/create_fcp_xml.h"
+#include "startup/frame_rates.h"
 #include "titles/sequence_templates.h"
 
 namespace quillory {
@@ -28,6 +29,14 @@ std::optional<std::vector<std::string>> Controller::get_info_from_clips(const st
 void Controller::create_fcp_xml(const std::optional<std::string>& output_path) {
   quillory::create_fcp_xml(form_, fields_, output_path ? output_path : paths_.TEMP_XML_FILE,
                            out_);
+}
+
+bool Controller::set_sequence_rate(std::string_view type) {
+  const auto rate = find_frame_rate_by_type(type);
+  if (!rate) return false;
+  fields_.ntsc = std::string(rate->ntsc);
+  fields_.timebase = rate->timebase;
+  return true;
 }
 
 }  // namespace quillory

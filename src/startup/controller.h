@@ -37,6 +37,10 @@ class Controller {
   // Writes to TEMP_XML_FILE, or to `output_path` when one is given.
   void create_fcp_xml(const std::optional<std::string>& output_path = std::nullopt);
 
+  // Sets `ntsc` and `timebase` from the frame-rate row named `type`; false (nothing changed)
+  // when no row has that name.
+  bool set_sequence_rate(std::string_view type);
+
   ControllerFields& fields() { return fields_; }
   const ControllerFields& fields() const { return fields_; }
   const OutputPaths& paths() const { return paths_; }

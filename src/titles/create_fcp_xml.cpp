@@ -6,6 +6,7 @@
 
 #include <libxml/xmlsave.h>
 
+#include "source/failure.h"
 #include "source/read_xml.h"
 #include "source/xml_nodes.h"
 #include "source/xpath_query.h"
@@ -18,10 +19,6 @@ namespace {
 
 constexpr const char* kTitleName = "Quillory Card";
 constexpr std::size_t kAudioTracks = 4;
-
-[[noreturn]] void fail(const std::string& message) {
-  throw std::runtime_error("quillory: " + message);
-}
 
 std::string clip_label(std::size_t index, const ClipRecord& clip) {
   return "clip " + std::to_string(index + 1) + " \"" + clip.clip_name + "\" (" +
