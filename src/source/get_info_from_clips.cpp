@@ -59,7 +59,10 @@ std::string clip_label(const std::string& name, const xmlNode* clip) {
 
 std::string required_text(xml::XPathQuery& query, xmlNode* clip, const std::string& clip_name) {
   xmlNode* node = query.first(clip);
-  if (node == nullptr) fail(clip_label(clip_name, clip) + " has no <" + query.expression() + ">");
+  if (node == nullptr) {
+    fail(clip_label(clip_name, clip) + " has no <" + query.expression() +
+         ">; a media clip must log its scene, shot/take and log note (empty elements will do)");
+  }
   return xml::text_content(node);
 }
 

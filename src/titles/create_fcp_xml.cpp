@@ -171,7 +171,7 @@ class SequenceBuilder {
     }
 
     xmlNode* placed = append_copy(video_tracks_[0], video_item);
-    set_timing(placed, start, end, label + ": its video clip item");
+    set_timing(placed, start, end, label + ": its video clip item " + xml::where(video_item));
     remove_link_indexes(placed);
     if (form_.tcrCheckbox.state() == 1) {
       const xml::Document filter = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
@@ -196,10 +196,18 @@ class SequenceBuilder {
     }
   }
 
+  // Only elements already there are timed: an item without them is outside xmeml's shape, and
+  // its source is better mended than guessed at.
   static void set_timing(xmlNode* item, const std::string& start, const std::string& end,
                          const std::string& owner) {
-    xml::set_text(required_child(item, "start", owner), start);
-    xml::set_text(required_child(item, "end", owner), end);
+    for (const auto& [name, value] : {std::pair{"start", &start}, std::pair{"end", &end}}) {
+      xmlNode* element = xml::first_child_element(item, name);
+      if (element == nullptr) {
+        fail(owner + " has no <" + name + ">; a placed clip item needs <start> and <end> (any " +
+             "value will do, as both are rewritten)");
+      }
+      xml::set_text(element, *value);
+    }
   }
 
   void place_title(const std::string& clip, const std::string& text, const std::string& start,

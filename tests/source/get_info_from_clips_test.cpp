@@ -134,7 +134,13 @@ TEST_F(Opening, MissingPiecesFailNamingTheClip) {
   EXPECT_NE(message(media_clip("A", "nowhere", 5)).find("id \"nowhere\""), std::string::npos);
   EXPECT_NE(message("<clip><duration>1</duration></clip>").find("a clip has no <name>"),
             std::string::npos);
-  EXPECT_NE(message("<clip><name>N</name><logginginfo/></clip>").find("clip \"N\" (<clip> at line 4 of " + dir.file("source 3.xml") + ") has no <file>"),
+  std::string no_scene = media_clip("S", "f", 5, file_definition("f", "s.mov"));
+  no_scene.replace(no_scene.find("<scene>S-S</scene>"), 18, "");
+  EXPECT_NE(message(no_scene).find("has no <logginginfo/scene>; a media clip must log"),
+            std::string::npos);
+  EXPECT_NE(message("<clip><name>N</name><logginginfo/></clip>")
+                .find("clip \"N\" (<clip> at line 4 of " + dir.file("source 4.xml") +
+                      ") has no <file>"),
             std::string::npos);
 }
 

@@ -165,6 +165,11 @@ TEST_F(CreatingTitles, FailureNamesTheClipAndKeepsThePreviousFile) {
                     "</clipitem></track></audio></media></clip>")
                 .find("clip 1 \"V\" (<clip> at line 4 of " + dir.file("dailies.xml") + ") has no video"),
             std::string::npos);
+  std::string no_start = media_clip("S", "f", 10, file_definition("f", "s.mov"));
+  no_start.replace(no_start.find("<start>-1</start>"), 17, "");
+  EXPECT_NE(failure(no_start).find("its video clip item <clipitem> at line 4 of " +
+                                   dir.file("dailies.xml") + " has no <start>"),
+            std::string::npos);
   EXPECT_EQ(test::read_file(*output), "previous run");
   output.reset();
   EXPECT_NE(failure("").find("no output folder is known"), std::string::npos);
