@@ -25,9 +25,11 @@ std::string clip_label(std::size_t index, const ClipRecord& clip) {
          xml::where(clip.xml) + ")";
 }
 
-xmlNode* required_child(xmlNode* parent, const char* name, const std::string& owner) {
+// `remedy` follows the message when the fix lies in the source document.
+xmlNode* required_child(xmlNode* parent, const char* name, const std::string& owner,
+                        const std::string& remedy = "") {
   xmlNode* child = xml::first_child_element(parent, name);
-  if (child == nullptr) fail(owner + " has no <" + name + ">");
+  if (child == nullptr) fail(owner + " has no <" + name + ">" + remedy);
   return child;
 }
 
@@ -200,14 +202,10 @@ class SequenceBuilder {
   // its source is better mended than guessed at.
   static void set_timing(xmlNode* item, const std::string& start, const std::string& end,
                          const std::string& owner) {
-    for (const auto& [name, value] : {std::pair{"start", &start}, std::pair{"end", &end}}) {
-      xmlNode* element = xml::first_child_element(item, name);
-      if (element == nullptr) {
-        fail(owner + " has no <" + name + ">; a placed clip item needs <start> and <end> (any " +
-             "value will do, as both are rewritten)");
-      }
-      xml::set_text(element, *value);
-    }
+    const std::string remedy =
+        "; a placed clip item needs <start> and <end> (any value will do, as both are rewritten)";
+    xml::set_text(required_child(item, "start", owner, remedy), start);
+    xml::set_text(required_child(item, "end", owner, remedy), end);
   }
 
   void place_title(const std::string& clip, const std::string& text, const std::string& start,
