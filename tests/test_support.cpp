@@ -14,7 +14,7 @@
 #include <random>
 #include <sstream>
 
-#include "source/read_xml.h"
+#include "xml/read_xml.h"
 
 namespace quillory::test {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "source/xml_handles.h"
+#include "xml/xml_handles.h"
 #include "xml_tree.h"
 
 namespace quillory::test {

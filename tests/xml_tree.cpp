@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "source/read_xml.h"
+#include "xml/read_xml.h"
 
 namespace quillory::test {
 namespace {

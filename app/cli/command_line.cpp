@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "source/get_info_from_clips.h"
 #include "startup/frame_rates.h"
 #include "titles/compose_title_text.h"
 
@@ -34,6 +33,13 @@ struct RateName : CLI::Validator {
 
 }  // namespace
 
+std::array<std::string, 5> default_line_choices() {
+  std::array<std::string, 5> choices;
+  const LineSettings defaults = default_line_settings();
+  for (std::size_t i = 0; i < choices.size(); ++i) choices[i] = defaults[i].choice.value_or("");
+  return choices;
+}
+
 void add_options(CLI::App& app, Options& options) {
   app.add_option("SOURCE", options.source, "the xmeml export to read")->required();
   app.add_option("--template", options.template_name,
@@ -53,24 +59,31 @@ void add_options(CLI::App& app, Options& options) {
       ->check(RateName());
   app.add_option("--output", options.output,
                  "write the sequence here instead of the Ferncroft folder");
-  app.add_flag("--list", options.list,
-                "print the source's templates, clips and rates; write nothing");
+  auto* list = app.add_flag("--list", options.list,
+                            "print the source's templates, clips and rates; write nothing");
+  app.add_flag("--json", options.json, "with --list: print the listing as one JSON document")
+      ->needs(list);
   app.add_flag("--preview", options.preview, "print every clip's title text; write nothing");
+  app.add_flag("--quiet", options.quiet, "leave out the progress lines");
   app.set_version_flag("--version", "quillory " QUILLORY_VERSION);
   app.footer("Choice titles for --line1 ... --line5:" + quoted_list(CHOICE_TITLES) +
              "\nRates for --rate:" + rate_names() +
              "\nExit status: 0 written, 1 not an xmeml document or an error, 2 usage error.");
 }
 
-void fill_form(const Options& options, MemoryForm& form) {
-  form.templatePopup.selected = options.template_name;
-  form.nameField.value = options.name ? *options.name : sequence_name_for(options.source);
+TitleSettings title_settings(const Options& options, const OpenedSource& opened) {
+  TitleSettings settings;
+  settings.template_name = options.template_name;
+  settings.sequence_name = options.name ? *options.name : sequence_name_for(options.source);
+  const auto chosen = options.rate ? find_frame_rate_by_type(*options.rate) : std::nullopt;
+  settings.set_rate(chosen ? *chosen : default_sequence_rate(opened.frame_rates));
   for (std::size_t i = 0; i < 5; ++i) {
-    form.line_labels[i].value = options.labels[i];
-    form.line_popups[i].selected =
+    settings.lines[i].label = options.labels[i];
+    settings.lines[i].choice =
         options.lines[i].empty() ? std::nullopt : std::optional<std::string>(options.lines[i]);
   }
-  form.tcrCheckbox.value = options.tcr ? 1 : 0;
+  settings.timecode_reader = options.tcr;
+  return settings;
 }
 
 }  // namespace quillory::cli

@@ -1,48 +1,63 @@
 #include "listing.h"
 
-#include <algorithm>
-
-#include "source/xml_nodes.h"
-#include "source/xpath_query.h"
-#include "startup/frame_rates.h"
-#include "titles/compose_title_text.h"
+#include <cstdio>
+#include <nlohmann/json.hpp>
 
 namespace quillory::cli {
 namespace {
 
-std::string rate_of(const ClipRecord& clip, xml::XPathQuery& ntsc, xml::XPathQuery& timebase) {
-  const std::string flag = xml::text_content(ntsc.first(clip.xml));
-  const long long base = xml::leading_integer(xml::text_content(timebase.first(clip.xml)));
-  const auto rate = find_frame_rate(flag, base);
-  return rate ? std::string(rate->type) : "?";
+nlohmann::json iso_date_time(const std::optional<DateTime>& time) {
+  if (!time) return nullptr;
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", time->year, time->month,
+                time->day, time->hour, time->minute, time->second);
+  return text;
 }
 
 }  // namespace
 
-void print_listing(const ControllerFields& fields, std::ostream& err) {
-  err << "Templates:\n";
-  for (const auto& title : fields.templates_array) {
-    err << "  " << title.name << " (" << title.type << ")\n";
+void print_listing(const OpenedSource& opened, std::ostream& out) {
+  out << "Templates:\n";
+  for (const auto& title : opened.templates) out << "  " << title.name << " (" << title.type << ")\n";
+  out << "Clips (name, file, reel, rate):\n";
+  for (std::size_t i = 0; i < opened.clips.size(); ++i) {
+    const ClipRecord& clip = opened.clips[i];
+    out << "  " << clip.clip_name << ", " << clip.file_name << ", " << clip.reel << ", "
+        << opened.clip_rates[i] << "\n";
   }
-  err << "Clips (name, file, reel, rate):\n";
-  xml::XPathQuery ntsc(".//ntsc");
-  xml::XPathQuery timebase(".//timebase");
-  for (const auto& clip : fields.clips_array) {
-    err << "  " << clip.clip_name << ", " << clip.file_name << ", " << clip.reel << ", "
-        << rate_of(clip, ntsc, timebase) << "\n";
-  }
-  err << "Rates:\n";
-  for (const auto& rate : fields.frame_rates) err << "  " << rate << "\n";
+  out << "Rates:\n";
+  for (const auto& rate : opened.frame_rates) out << "  " << rate << "\n";
 }
 
-void print_preview(const ControllerFields& fields, const Form& form, std::ostream& err) {
-  const LineSettings lines = read_line_settings(form);
+void print_json_listing(const OpenedSource& opened, std::ostream& out) {
+  nlohmann::json listing{{"templates", nlohmann::json::array()},
+                         {"clips", nlohmann::json::array()},
+                         {"rates", opened.frame_rates}};
+  for (const auto& title : opened.templates) {
+    listing["templates"].push_back({{"name", title.name}, {"type", title.type}});
+  }
+  for (std::size_t i = 0; i < opened.clips.size(); ++i) {
+    const ClipRecord& clip = opened.clips[i];
+    listing["clips"].push_back({{"name", clip.clip_name},
+                                {"file", clip.file_name},
+                                {"reel", clip.reel},
+                                {"scene", clip.scene},
+                                {"take", clip.shottake},
+                                {"timecode", clip.frame_string},
+                                {"date", iso_date_time(clip.time)},
+                                {"rate", opened.clip_rates[i]}});
+  }
+  // Text from a repaired source is valid UTF-8; replacing keeps any other byte from aborting.
+  out << listing.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+}
+
+void print_preview(const std::vector<ClipRecord>& clips, const LineSettings& lines,
+                   std::ostream& out) {
   bool first = true;
-  for (const auto& clip : fields.clips_array) {
-    std::string text = compose_title_text(clip, lines);
-    std::replace(text.begin(), text.end(), '\r', '\n');
-    err << (first ? "" : "\n") << text;
-    if (!text.empty() && text.back() != '\n') err << '\n';
+  for (const auto& clip : clips) {
+    const std::string text = preview_title_text(clip, lines);
+    out << (first ? "" : "\n") << text;
+    if (!text.empty() && text.back() != '\n') out << '\n';
     first = false;
   }
 }

@@ -1,17 +1,22 @@
 #pragma once
-// What --list and --preview print (on standard error: standard output carries only the
-// system's own lines).
+// What --list and --preview print: what the user asked to see, on standard output.
 
 #include <ostream>
+#include <vector>
 
-#include "form/controller_fields.h"
-#include "form/controls.h"
+#include "source/get_info_from_clips.h"
+#include "titles/compose_title_text.h"
 
 namespace quillory::cli {
 
-void print_listing(const ControllerFields& fields, std::ostream& err);
+// The templates, the clips (name, file, reel, rate) and the rates met, as indented text.
+void print_listing(const OpenedSource& opened, std::ostream& out);
+
+// The same as one JSON document, with every clip's logged facts, for pipelines.
+void print_json_listing(const OpenedSource& opened, std::ostream& out);
 
 // Every clip's title text, carriage returns shown as line breaks, titles apart by a blank line.
-void print_preview(const ControllerFields& fields, const Form& form, std::ostream& err);
+void print_preview(const std::vector<ClipRecord>& clips, const LineSettings& lines,
+                   std::ostream& out);
 
 }  // namespace quillory::cli

@@ -3,11 +3,14 @@
 #include <CLI/CLI.hpp>
 
 #include <iostream>
+#include <memory>
 
 #include "command_line.h"
 #include "exit_code.h"
 #include "listing.h"
-#include "startup/controller.h"
+#include "startup/startup.h"
+#include "titles/create_fcp_xml.h"
+#include "titles/sequence_templates.h"
 
 namespace {
 
@@ -15,38 +18,45 @@ using quillory::cli::ExitCode;
 
 int status(ExitCode code) { return static_cast<int>(code); }
 
-// The sequence rate: the one asked for, else the first rate met among the source's clips.
-void set_sequence_rate(const quillory::cli::Options& options, quillory::Controller& controller) {
-  if (options.rate) {
-    controller.set_sequence_rate(*options.rate);
-  } else if (!controller.fields().frame_rates.empty()) {
-    controller.set_sequence_rate(controller.fields().frame_rates.front());
-  }
+// The progress lines go to standard output, unless that carries what the user asked to see.
+std::unique_ptr<quillory::LineSink> progress_sink(const quillory::cli::Options& options) {
+  if (options.quiet) return std::make_unique<quillory::NullSink>();
+  const bool shows_listing = options.list || options.preview;
+  return std::make_unique<quillory::StreamSink>(shows_listing ? std::cerr : std::cout);
 }
 
 int run(const quillory::cli::Options& options) {
-  quillory::StreamSink out(std::cout);
-  quillory::MemoryForm form;
-  quillory::cli::fill_form(options, form);
-  quillory::Controller controller(form.form(), out, quillory::start_up());
-
-  controller.get_info_from_clips(options.source);
-  if (controller.fields().templates_array.empty()) {
-    std::cerr << "quillory: " << options.source
-              << " is not an xmeml document (its first node is not <xmeml>); nothing was written\n";
-    return status(ExitCode::Failed);
+  const auto progress = progress_sink(options);
+  const quillory::OutputPaths paths = quillory::start_up();
+  const quillory::OpenedSource opened =
+      quillory::get_info_from_clips(options.source, quillory::built_in_template(), *progress);
+  switch (opened.status) {
+    case quillory::OpenStatus::Opened:
+      break;
+    case quillory::OpenStatus::NotXmeml:
+      std::cerr << "quillory: " << options.source
+                << " is not an xmeml document (its first node is not <xmeml>); nothing was written\n";
+      return status(ExitCode::Failed);
+    case quillory::OpenStatus::Unreadable:
+    case quillory::OpenStatus::Broken:
+      std::cerr << opened.error << "\n";
+      return status(ExitCode::Failed);
   }
-  set_sequence_rate(options, controller);
+  const quillory::TitleSettings settings = quillory::cli::title_settings(options, opened);
   if (options.list) {
-    quillory::cli::print_listing(controller.fields(), std::cerr);
+    if (options.json) {
+      quillory::cli::print_json_listing(opened, std::cout);
+    } else {
+      quillory::cli::print_listing(opened, std::cout);
+    }
     return status(ExitCode::Success);
   }
   if (options.preview) {
-    quillory::cli::print_preview(controller.fields(), form.form(), std::cerr);
+    quillory::cli::print_preview(opened.clips, settings.lines, std::cout);
     return status(ExitCode::Success);
   }
-  const auto path = options.output ? options.output : controller.paths().TEMP_XML_FILE;
-  controller.create_fcp_xml(path);
+  const auto path = options.output ? options.output : paths.TEMP_XML_FILE;
+  quillory::create_fcp_xml(opened.templates, opened.clips, settings, path, *progress);
   std::cerr << "quillory: wrote " << *path << "\n";
   return status(ExitCode::Success);
 }

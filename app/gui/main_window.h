@@ -11,9 +11,9 @@
 #include <optional>
 #include <string_view>
 
-#include "form/line_sink.h"
+#include "xml/line_sink.h"
 #include "qt_controls.h"
-#include "startup/controller.h"
+#include "form/controller.h"
 #include "startup/startup.h"
 
 class QAction;

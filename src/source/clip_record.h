@@ -6,7 +6,7 @@
 #include <string>
 
 #include "source/date_time.h"
-#include "source/xml_handles.h"
+#include "xml/xml_handles.h"
 
 namespace quillory {
 

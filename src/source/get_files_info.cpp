@@ -1,10 +1,10 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "source/failure.h"
+#include "xml/failure.h"
 #include "source/media_file_record.h"
-#include "source/xml_nodes.h"
-#include "source/xpath_query.h"
+#include "xml/xml_nodes.h"
+#include "xml/xpath_query.h"
 
 namespace quillory {
 namespace {

@@ -4,14 +4,13 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "source/failure.h"
+#include "xml/failure.h"
 #include "source/media_file_record.h"
 #include "source/parse_xml_file.h"
-#include "source/read_xml.h"
-#include "source/xml_nodes.h"
-#include "source/xpath_query.h"
+#include "xml/read_xml.h"
+#include "xml/xml_nodes.h"
+#include "xml/xpath_query.h"
 #include "startup/frame_rates.h"
-#include "titles/sequence_templates.h"
 
 namespace quillory {
 namespace {
@@ -76,18 +75,18 @@ std::string accepted_rates() {
 }
 
 void collect_generator_clip(xmlNode* item, const std::string& name, ClipQueries& queries,
-                            const xml::SharedDocument& doc, ControllerFields& fields) {
+                            const xml::SharedDocument& doc, OpenedSource& opened) {
   xmlNode* effect_id = queries.effect_id.first(item);
   if (effect_id == nullptr) return;
   const std::string type = xml::text_content(effect_id);
   if (type == "Text" || type == "Outline Text") {
-    fields.templates_array.push_back(TitleTemplate{name, type, item, doc});
+    opened.templates.push_back(TitleTemplate{name, type, item, doc});
   }
 }
 
 void collect_media_clip(xmlNode* clip, const std::string& name, ClipQueries& queries,
                         const Catalogue& catalogue, const xml::SharedDocument& doc,
-                        ControllerFields& fields, LineSink& out) {
+                        OpenedSource& opened, LineSink& out) {
   xmlNode* file = queries.file.first(clip);
   if (file == nullptr) fail(clip_label(name, clip) + " has no <file> element");
   const std::optional<std::string> file_id = xml::attribute(file, "id");
@@ -108,7 +107,7 @@ void collect_media_clip(xmlNode* clip, const std::string& name, ClipQueries& que
   record.lognote = required_text(queries.lognote, clip, name);
   record.xml = clip;
   record.document = doc;
-  fields.clips_array.push_back(std::move(record));
+  opened.clips.push_back(std::move(record));
 
   xmlNode* ntsc_node = queries.ntsc.first(clip);
   xmlNode* timebase_node = queries.timebase.first(clip);
@@ -127,7 +126,8 @@ void collect_media_clip(xmlNode* clip, const std::string& name, ClipQueries& que
          "); accepted ntsc/timebase pairs: " + accepted_rates());
   }
   out.line("clip " + name + ": " + describe(*rate));
-  fields.frame_rates.emplace_back(rate->type);
+  opened.clip_rates.emplace_back(rate->type);
+  opened.frame_rates.emplace_back(rate->type);
 }
 
 // Removes later repeats of a name in place; true when any was removed.
@@ -143,18 +143,21 @@ bool remove_duplicates(std::vector<std::string>& names) {
   return removed;
 }
 
-void show_document(Form& form, const std::string& path) {
-  form.xmlIcon.setHidden(false);
-  form.xmlIcon.setToolTip(path);
-  form.xmlFileName.setStringValue(base_name(path));
-  form.xmlIcon.setNeedsDisplay(true);
-  form.xmlFileName.setNeedsDisplay(true);
-}
-
-TitleTemplate built_in_template() {
-  auto fragment = xml::share(xml::read_html_fragment(lower_third_xml(), "built-in title"));
-  xmlNode* node = xml::as_node(fragment.get());
-  return TitleTemplate{"Default", "Text", node, std::move(fragment)};
+void read_clips(const xml::SharedDocument& doc, OpenedSource& opened, LineSink& out) {
+  xml::XPathQuery all_files("//file");
+  const Catalogue catalogue(get_files_info(all_files.all(xml::as_node(doc.get())), out));
+  ClipQueries queries;
+  xml::XPathQuery all_clips("//clip");
+  for (xmlNode* clip : all_clips.all(xml::as_node(doc.get()))) {
+    const xmlNode* name_node = xml::first_child_element(clip, "name");
+    if (name_node == nullptr) fail("a clip has no <name> (" + xml::where(clip) + ")");
+    const std::string name = xml::text_content(name_node);
+    if (xmlNode* item = queries.generator_item.first(clip)) {
+      collect_generator_clip(item, name, queries, doc, opened);
+    } else {
+      collect_media_clip(clip, name, queries, catalogue, doc, opened, out);
+    }
+  }
 }
 
 }  // namespace
@@ -171,43 +174,33 @@ std::string sequence_name_for(const std::string& path) {
   return name;
 }
 
-std::optional<std::vector<std::string>> get_info_from_clips(const std::string& path, Form& form,
-                                                            ControllerFields& fields,
-                                                            LineSink& out) {
+OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
+                                 LineSink& out) {
+  OpenedSource opened;
   out.line("opening...");
-  LoadedDocument loaded = parse_xml_file(path, out);
-  if (loaded.root_name != "xmeml") return std::nullopt;
-  out.line("...done!");
-  show_document(form, path);
-
-  const xml::SharedDocument doc = xml::share(std::move(loaded.document));
-  fields.templates_array = {built_in_template()};
-  fields.clips_array = {};
-
-  xml::XPathQuery all_files("//file");
-  const Catalogue catalogue(get_files_info(all_files.all(xml::as_node(doc.get())), out));
-
-  fields.frame_rates = {};
-  fields.displayformats = {};
-  fields.frame_sizes = {};
-  fields.pixelaspectratios = {};
-  fields.anamorphics = {};
-
-  ClipQueries queries;
-  xml::XPathQuery all_clips("//clip");
-  for (xmlNode* clip : all_clips.all(xml::as_node(doc.get()))) {
-    const xmlNode* name_node = xml::first_child_element(clip, "name");
-    if (name_node == nullptr) fail("a clip has no <name> (" + xml::where(clip) + ")");
-    const std::string name = xml::text_content(name_node);
-    if (xmlNode* item = queries.generator_item.first(clip)) {
-      collect_generator_clip(item, name, queries, doc, fields);
-    } else {
-      collect_media_clip(clip, name, queries, catalogue, doc, fields, out);
-    }
+  LoadedDocument loaded;
+  try {
+    loaded = parse_xml_file(path, out);
+  } catch (const std::exception& error) {
+    opened.error = error.what();
+    return opened;
   }
-
-  if (!remove_duplicates(fields.frame_rates)) return std::nullopt;
-  return fields.frame_rates;
+  if (loaded.root_name != "xmeml") {
+    opened.status = OpenStatus::NotXmeml;
+    return opened;
+  }
+  out.line("...done!");
+  opened.status = OpenStatus::Broken;
+  opened.templates = {built_in};
+  try {
+    read_clips(xml::share(std::move(loaded.document)), opened, out);
+  } catch (const std::exception& error) {
+    opened.error = error.what();
+    return opened;
+  }
+  opened.rates_repeated = remove_duplicates(opened.frame_rates);
+  opened.status = OpenStatus::Opened;
+  return opened;
 }
 
 }  // namespace quillory

@@ -1,24 +1,41 @@
 #pragma once
-// Opening a source document: loads it, shows it on the form, and rebuilds the template list,
-// the clip list and the rate names that creating titles works from.
+// Opening a source document: loads it and reads the title templates it offers, one record per
+// media clip, and the frame rates met among those clips.
 
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "form/controller_fields.h"
-#include "form/controls.h"
-#include "form/line_sink.h"
+#include "source/clip_record.h"
+#include "xml/line_sink.h"
 
 namespace quillory {
 
-// Returns none when the document's root is not "xmeml" (nothing is changed then), or when no
-// rate name was met twice; otherwise the de-duplicated `frame_rates`. Throws, naming the clip
-// or element and its line, when the document lacks something a clip needs; what was collected
-// before the failing clip stays in `fields`.
-std::optional<std::vector<std::string>> get_info_from_clips(const std::string& path, Form& form,
-                                                            ControllerFields& fields,
-                                                            LineSink& out);
+enum class OpenStatus {
+  Opened,      // read whole
+  Unreadable,  // the file could not be loaded: nothing was read
+  NotXmeml,    // its first node is not <xmeml>: nothing was read
+  Broken,      // an xmeml document in which a clip or a file definition lacks something
+};
+
+struct OpenedSource {
+  OpenStatus status = OpenStatus::Unreadable;
+  // Unreadable and Broken: what went wrong and where (file, element, line), for the user.
+  std::string error;
+  // The built-in template first, then the document's text-generator clips in document order.
+  std::vector<TitleTemplate> templates;
+  std::vector<ClipRecord> clips;
+  // The rate name of each clip in `clips`; a Broken open may lack the last clip's.
+  std::vector<std::string> clip_rates;
+  // Each rate name once, in order of first appearance (a Broken open leaves repeats in).
+  std::vector<std::string> frame_rates;
+  bool rates_repeated = false;  // some rate was met by more than one clip
+};
+
+// Loads the document at `path` and reads it, writing the progress lines to `out`. `built_in`
+// is the template every open offers first. A Broken open keeps what the clips before the
+// failing one gave, and that clip's own record when only its rate is at fault.
+OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
+                                 LineSink& out);
 
 // The last component of a path, extension included.
 std::string base_name(const std::string& path);

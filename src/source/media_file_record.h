@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "form/line_sink.h"
+#include "xml/line_sink.h"
 #include "source/date_time.h"
-#include "source/xml_handles.h"
+#include "xml/xml_handles.h"
 
 namespace quillory {
 

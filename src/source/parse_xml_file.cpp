@@ -10,7 +10,7 @@
 #include <system_error>
 
 #include "source/line_repair.h"
-#include "source/read_xml.h"
+#include "xml/read_xml.h"
 
 namespace quillory {
 namespace {

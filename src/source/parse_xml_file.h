@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "form/line_sink.h"
-#include "source/xml_handles.h"
+#include "xml/line_sink.h"
+#include "xml/xml_handles.h"
 
 namespace quillory {
 

@@ -18,6 +18,13 @@ std::optional<RateRecord> find_frame_rate_by_type(std::string_view type) {
   return std::nullopt;
 }
 
+RateRecord default_sequence_rate(const std::vector<std::string>& rates_met) {
+  for (const auto& type : rates_met) {
+    if (auto rate = find_frame_rate_by_type(type)) return *rate;
+  }
+  return *find_frame_rate_by_type("NTSC/HD (29.97fps)");
+}
+
 std::string describe(const RateRecord& rate) {
   std::ostringstream text;
   text << rate.type << " (timebase " << rate.timebase << ", ntsc " << rate.ntsc << ", fcp_rate ";

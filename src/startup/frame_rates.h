@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 namespace quillory {
 
@@ -33,6 +34,10 @@ std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timeb
 
 // The row whose display name is `type`; none when no row has it.
 std::optional<RateRecord> find_frame_rate_by_type(std::string_view type);
+
+// The rate a new sequence takes unless the user chooses one: the first of `rates_met` (the
+// rates of a source's clips) that the table holds, else NTSC/HD (29.97fps).
+RateRecord default_sequence_rate(const std::vector<std::string>& rates_met);
 
 // "24P (24fps) (timebase 24, ntsc TRUE, fcp_rate 23.976)".
 std::string describe(const RateRecord& rate);

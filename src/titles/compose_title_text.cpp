@@ -1,5 +1,6 @@
 #include "titles/compose_title_text.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace quillory {
@@ -77,24 +78,23 @@ std::string two_digits(int value) {
 
 }  // namespace
 
-LineSettings read_line_settings(const Form& form) {
-  const std::array<std::pair<const TextField*, const PopUpMenu*>, 5> pairs{{
-      {&form.line1Label, &form.line1Popup},
-      {&form.line2Label, &form.line2Popup},
-      {&form.line3Label, &form.line3Popup},
-      {&form.line4Label, &form.line4Popup},
-      {&form.line5Label, &form.line5Popup},
-  }};
-  LineSettings settings;
-  for (std::size_t i = 0; i < pairs.size(); ++i) {
-    settings[i] = {pairs[i].first->stringValue(), pairs[i].second->titleOfSelectedItem()};
-  }
-  return settings;
+LineSettings default_line_settings() {
+  return {{{"", "Clip Name"},
+           {"", "File Name"},
+           {"", "Reel Name"},
+           {"", "First Frame Timecode"},
+           {"", "Date (13 March 2010), Time"}}};
 }
 
 std::string compose_title_text(const ClipRecord& clip, const LineSettings& lines) {
   std::string text;
   for (const auto& line : lines) append_line(text, line, clip);
+  return text;
+}
+
+std::string preview_title_text(const ClipRecord& clip, const LineSettings& lines) {
+  std::string text = compose_title_text(clip, lines);
+  std::replace(text.begin(), text.end(), kLineEnd, '\n');
   return text;
 }
 

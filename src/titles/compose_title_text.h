@@ -8,7 +8,6 @@
 #include <string>
 #include <string_view>
 
-#include "form/controls.h"
 #include "source/clip_record.h"
 #include "source/date_time.h"
 
@@ -40,10 +39,14 @@ struct LineSetting {
 };
 using LineSettings = std::array<LineSetting, 5>;
 
-// Reads lines 1 to 5 from the form's label fields and choice menus.
-LineSettings read_line_settings(const Form& form);
+// Lines 1 to 5 as a first launch sets them up: no labels; clip name, file name, reel name,
+// first-frame timecode, and the date with the day before the month.
+LineSettings default_line_settings();
 
 std::string compose_title_text(const ClipRecord& clip, const LineSettings& lines);
+
+// The title text as a person reads it: each carriage return shown as a line feed.
+std::string preview_title_text(const ClipRecord& clip, const LineSettings& lines);
 
 // Formats with the strftime conversions %B %d %m %Y %I %M %p, English month names and zero
 // padding, from the stored fields alone (no locale, no time zone).

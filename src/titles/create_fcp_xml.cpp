@@ -6,10 +6,10 @@
 
 #include <libxml/xmlsave.h>
 
-#include "source/failure.h"
-#include "source/read_xml.h"
-#include "source/xml_nodes.h"
-#include "source/xpath_query.h"
+#include "xml/failure.h"
+#include "xml/read_xml.h"
+#include "xml/xml_nodes.h"
+#include "xml/xpath_query.h"
 #include "titles/compose_title_text.h"
 #include "titles/replace_file.h"
 #include "titles/sequence_templates.h"
@@ -33,17 +33,17 @@ xmlNode* required_child(xmlNode* parent, const char* name, const std::string& ow
   return child;
 }
 
-const TitleTemplate& choose_template(const Form& form, const ControllerFields& fields) {
-  if (fields.templates_array.empty()) {
+const TitleTemplate& choose_template(const std::vector<TitleTemplate>& templates,
+                                     const std::optional<std::string>& name) {
+  if (templates.empty()) {
     fail("no source document is open: open an xmeml export before creating titles");
   }
-  const std::optional<std::string> selected = form.templatePopup.titleOfSelectedItem();
-  if (selected) {
-    for (const auto& candidate : fields.templates_array) {
-      if (candidate.name == *selected) return candidate;
+  if (name) {
+    for (const auto& candidate : templates) {
+      if (candidate.name == *name) return candidate;
     }
   }
-  return fields.templates_array.front();
+  return templates.front();
 }
 
 // Copies `node` and every sibling after it into the document of `parent`, appending the copies
@@ -112,8 +112,10 @@ long long add_frames(long long position, long long length, const std::string& cl
 // One run of title creation over an output document built from the empty sequence.
 class SequenceBuilder {
  public:
-  SequenceBuilder(const Form& form, const ControllerFields& fields, LineSink& out)
-      : form_(form), fields_(fields), out_(out), template_(choose_template(form, fields)) {
+  SequenceBuilder(const std::vector<TitleTemplate>& templates, const TitleSettings& settings,
+                  LineSink& out)
+      : settings_(settings), out_(out),
+        template_(choose_template(templates, settings.template_name)) {
     xml::ParsedXml parsed = xml::read_xml(empty_sequence_xml(), "empty sequence", 0);
     if (!parsed.document || !parsed.diagnostics.empty()) {
       fail("the built-in empty sequence does not parse");
@@ -121,10 +123,10 @@ class SequenceBuilder {
     document_ = std::move(parsed.document);
     sequence_ = xml::XPathQuery("//sequence").first(xml::as_node(document_.get()));
     const std::string owner = "the built-in empty sequence";
-    xml::set_text(required_child(sequence_, "name", owner), form_.nameField.stringValue());
+    xml::set_text(required_child(sequence_, "name", owner), settings_.sequence_name);
     xmlNode* rate = required_child(sequence_, "rate", owner);
-    xml::set_text(required_child(rate, "ntsc", owner), fields_.ntsc);
-    xml::set_text(required_child(rate, "timebase", owner), std::to_string(fields_.timebase));
+    xml::set_text(required_child(rate, "ntsc", owner), settings_.ntsc);
+    xml::set_text(required_child(rate, "timebase", owner), std::to_string(settings_.timebase));
     // Every title is a copy of the chosen template. Copying it once into the output document
     // without its formatting blanks halves the nodes each title copy makes.
     title_prototype_.reset(xmlNewDocNode(document_.get(), nullptr, BAD_CAST "titles", nullptr));
@@ -137,12 +139,9 @@ class SequenceBuilder {
     }
   }
 
-  void place_all_clips() {
-    const LineSettings lines = read_line_settings(form_);
+  void place_all_clips(const std::vector<ClipRecord>& clips) {
     long long position = 0;
-    for (std::size_t i = 0; i < fields_.clips_array.size(); ++i) {
-      position = place_clip(i, fields_.clips_array[i], lines, position);
-    }
+    for (std::size_t i = 0; i < clips.size(); ++i) position = place_clip(i, clips[i], position);
   }
 
   xml::Document finish() {
@@ -151,8 +150,7 @@ class SequenceBuilder {
   }
 
  private:
-  long long place_clip(std::size_t index, const ClipRecord& clip, const LineSettings& lines,
-                       long long position) {
+  long long place_clip(std::size_t index, const ClipRecord& clip, long long position) {
     const std::string label = clip_label(index, clip);
     out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position));
     const long long length =
@@ -161,7 +159,7 @@ class SequenceBuilder {
     const std::string start = std::to_string(position);
     const long long end_frame = add_frames(position, length, label);
     const std::string end = std::to_string(end_frame);
-    const std::string title_text = compose_title_text(clip, lines);
+    const std::string title_text = compose_title_text(clip, settings_.lines);
 
     xmlNode* video_item = video_clip_item_.first(clip.xml);
     if (video_item == nullptr) fail(label + " has no video clip item (media/video/track/clipitem)");
@@ -175,7 +173,7 @@ class SequenceBuilder {
     xmlNode* placed = append_copy(video_tracks_[0], video_item);
     set_timing(placed, start, end, label + ": its video clip item " + xml::where(video_item));
     remove_link_indexes(placed);
-    if (form_.tcrCheckbox.state() == 1) {
+    if (settings_.timecode_reader) {
       const xml::Document filter = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
       remove_formatting_blanks(xml::as_node(filter.get()));
       append_copy(placed, xml::as_node(filter.get()));
@@ -235,8 +233,7 @@ class SequenceBuilder {
     xml::set_text(values[*text_value], text);
   }
 
-  const Form& form_;
-  const ControllerFields& fields_;
+  const TitleSettings& settings_;
   LineSink& out_;
   const TitleTemplate& template_;
   xml::Document document_;
@@ -254,20 +251,22 @@ class SequenceBuilder {
 
 }  // namespace
 
-xml::Document build_title_sequence(const Form& form, const ControllerFields& fields,
-                                   LineSink& out) {
-  SequenceBuilder builder(form, fields, out);
-  builder.place_all_clips();
+xml::Document build_title_sequence(const std::vector<TitleTemplate>& templates,
+                                   const std::vector<ClipRecord>& clips,
+                                   const TitleSettings& settings, LineSink& out) {
+  SequenceBuilder builder(templates, settings, out);
+  builder.place_all_clips(clips);
   return builder.finish();
 }
 
-void create_fcp_xml(const Form& form, const ControllerFields& fields,
+void create_fcp_xml(const std::vector<TitleTemplate>& templates,
+                    const std::vector<ClipRecord>& clips, const TitleSettings& settings,
                     const std::optional<std::string>& output_path, LineSink& out) {
   if (!output_path) {
     fail("no output folder is known: set HOME (or XDG_DATA_HOME to an absolute path) so that "
          "titles can be written to its Ferncroft folder");
   }
-  const xml::Document document = build_title_sequence(form, fields, out);
+  const xml::Document document = build_title_sequence(templates, clips, settings, out);
   replace_file(*output_path, [&document](int fd) {
     xmlSaveCtxt* save = xmlSaveToFd(fd, "UTF-8", XML_SAVE_FORMAT);
     if (save == nullptr) return false;

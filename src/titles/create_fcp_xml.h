@@ -5,22 +5,27 @@
 #include <optional>
 #include <string>
 
-#include "form/controller_fields.h"
-#include "form/controls.h"
-#include "form/line_sink.h"
-#include "source/xml_handles.h"
+#include <vector>
+
+#include "source/clip_record.h"
+#include "titles/title_settings.h"
+#include "xml/line_sink.h"
+#include "xml/xml_handles.h"
 
 namespace quillory {
 
-// Builds the title sequence from `fields` and the form's settings and writes it to
-// `output_path`. Neither the fields nor the source document are changed. Throws, naming the
-// clip, when a clip or the template lacks something the sequence needs, and when no output
-// path or no open document is known; the previous output file then stays as it was.
-void create_fcp_xml(const Form& form, const ControllerFields& fields,
+// Builds the title sequence of `clips` with a title made from one of `templates` over each,
+// as `settings` ask, and writes it to `output_path`. Neither the lists nor the source document
+// are changed. Throws, naming the clip, when a clip or the template lacks something the
+// sequence needs, and when no output path or no template is known; the previous output file
+// then stays as it was.
+void create_fcp_xml(const std::vector<TitleTemplate>& templates,
+                    const std::vector<ClipRecord>& clips, const TitleSettings& settings,
                     const std::optional<std::string>& output_path, LineSink& out);
 
 // The title sequence document that create_fcp_xml writes, without writing it.
-xml::Document build_title_sequence(const Form& form, const ControllerFields& fields,
-                                   LineSink& out);
+xml::Document build_title_sequence(const std::vector<TitleTemplate>& templates,
+                                   const std::vector<ClipRecord>& clips,
+                                   const TitleSettings& settings, LineSink& out);
 
 }  // namespace quillory

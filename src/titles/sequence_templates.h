@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "source/clip_record.h"
+
 namespace quillory {
 
 // A complete xmeml document holding one empty sequence (id "Quillory") with two video and
@@ -18,6 +20,9 @@ std::string lower_third_xml();
 // One enabled Timecode Reader filter, parsed as an HTML fragment and appended unchanged to a
 // clip item.
 std::string tcr_filter_xml();
+
+// The built-in template "Default" (of type "Text"): lower_third_xml parsed as an HTML fragment.
+TitleTemplate built_in_template();
 
 // Each function returns a new string; changing it does not change what later calls return.
 // The texts keep their leading and trailing whitespace (line feed and tab), which is part of

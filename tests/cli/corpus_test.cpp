@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <map>
 
-#include "source/xpath_query.h"
+#include "xml/xpath_query.h"
 #include "test_support.h"
 
 namespace quillory {

@@ -23,7 +23,7 @@
 
 #include "form/memory_form.h"
 #include "log_pane.h"
-#include "startup/controller.h"
+#include "form/controller.h"
 #include "startup/frame_rates.h"
 #include "test_environment.h"
 #include "title_preview.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "source/media_file_record.h"
-#include "source/xpath_query.h"
+#include "xml/xpath_query.h"
 #include "test_support.h"
 
 namespace quillory {

@@ -5,8 +5,8 @@
 
 #include <system_error>
 
-#include "source/xml_nodes.h"
-#include "source/xpath_query.h"
+#include "xml/xml_nodes.h"
+#include "xml/xpath_query.h"
 #include "test_support.h"
 
 namespace quillory {

@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "startup/app_data_folders.h"
-#include "startup/controller.h"
+#include "form/controller.h"
 #include "startup/frame_rates.h"
 #include "test_support.h"
 

@@ -6,8 +6,8 @@
 
 #include "form/memory_form.h"
 #include "source/get_info_from_clips.h"
-#include "source/xml_nodes.h"
-#include "source/xpath_query.h"
+#include "xml/xml_nodes.h"
+#include "xml/xpath_query.h"
 #include "test_support.h"
 
 namespace quillory {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "source/read_xml.h"
-#include "source/xml_nodes.h"
-#include "source/xpath_query.h"
+#include "xml/read_xml.h"
+#include "xml/xml_nodes.h"
+#include "xml/xpath_query.h"
 
 namespace quillory {
 namespace {

@@ -1,4 +1,4 @@
-#include "source/read_xml.h"
+#include "xml/read_xml.h"
 
 #include <libxml/HTMLparser.h>
 #include <libxml/parser.h>
@@ -6,7 +6,7 @@
 #include <climits>
 #include <stdexcept>
 
-#include "source/diagnostic_collector.h"
+#include "xml/diagnostic_collector.h"
 
 namespace quillory::xml {
 namespace {

@@ -3,12 +3,20 @@
 // puts back whatever handler was installed before, also when the parse throws.
 
 #include <libxml/xmlerror.h>
+#include <libxml/xmlversion.h>
 
 #include <vector>
 
-#include "source/read_xml.h"
+#include "xml/read_xml.h"
 
 namespace quillory::xml {
+
+// libxml2 2.12 made the error handed to a structured handler const.
+#if LIBXML_VERSION >= 21200
+using ErrorReport = const xmlError*;
+#else
+using ErrorReport = xmlError*;
+#endif
 
 class DiagnosticCollector {
  public:
@@ -20,7 +28,7 @@ class DiagnosticCollector {
   std::vector<Diagnostic> take() { return std::move(diagnostics_); }
 
  private:
-  static void on_error(void* self, xmlError* error);
+  static void on_error(void* self, ErrorReport error);
 
   std::vector<Diagnostic> diagnostics_;
   xmlStructuredErrorFunc previous_handler_;

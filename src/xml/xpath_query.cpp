@@ -1,4 +1,4 @@
-#include "source/xpath_query.h"
+#include "xml/xpath_query.h"
 
 #include <stdexcept>
 

@@ -38,6 +38,9 @@ using XPathContext = std::unique_ptr<xmlXPathContext, XPathContextDeleter>;
 using XPathObject = std::unique_ptr<xmlXPathObject, XPathObjectDeleter>;
 using XmlString = std::unique_ptr<xmlChar, XmlCharDeleter>;
 
+// A document as the node that XPath queries and tree walks start from.
+inline xmlNode* as_node(xmlDoc* doc) { return reinterpret_cast<xmlNode*>(doc); }
+
 inline SharedDocument share(Document doc) { return SharedDocument(doc.release(), DocumentDeleter{}); }
 
 }  // namespace quillory::xml

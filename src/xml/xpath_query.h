@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "source/xml_handles.h"
+#include "xml/xml_handles.h"
 
 namespace quillory::xml {
 
@@ -27,7 +27,5 @@ class XPathQuery {
   XPathExpression compiled_;
   XPathContext context_;
 };
-
-inline xmlNode* as_node(xmlDoc* doc) { return reinterpret_cast<xmlNode*>(doc); }
 
 }  // namespace quillory::xml

@@ -28,6 +28,12 @@ class StreamSink : public LineSink {
   std::ostream& stream_;
 };
 
+// Drops every line (a host asked to be quiet).
+class NullSink : public LineSink {
+ public:
+  void line(std::string_view) override {}
+};
+
 // Keeps the lines in memory (tests, and hosts that show them later).
 class RecordingSink : public LineSink {
  public:

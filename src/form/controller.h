@@ -1,8 +1,9 @@
 #pragma once
-// The system's public interface to a host: the controller of the window, holding the working
-// lists, with the seven operations made available at start-up, in this order.
+// The window controller as the system was designed around: named controls that the operations
+// read and a file display that they update, with the working lists kept in its fields between
+// opening a document and creating titles. It adapts those operations to the core's functions
+// on values; hosts may use either.
 
-#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,29 +11,29 @@
 
 #include "form/controller_fields.h"
 #include "form/controls.h"
-#include "form/line_sink.h"
 #include "source/media_file_record.h"
 #include "source/parse_xml_file.h"
 #include "startup/startup.h"
+#include "titles/title_settings.h"
+#include "xml/line_sink.h"
 
 namespace quillory {
 
 class Controller {
  public:
-  // The operations a host can call, in the order they are made available.
-  static constexpr std::array<std::string_view, 7> operation_names{
-      "parse_xml_file",   "empty_sequence_xml",  "lower_third_xml", "tcr_filter_xml",
-      "get_files_info",   "get_info_from_clips", "create_fcp_xml",
-  };
-
   // `form` and `out` are the host's and must outlive the controller.
   Controller(Form form, LineSink& out, OutputPaths paths);
 
+  // The operations, in the order they are made available at start-up.
   LoadedDocument parse_xml_file(const std::string& path);
   std::string empty_sequence_xml() const;
   std::string lower_third_xml() const;
   std::string tcr_filter_xml() const;
   std::vector<MediaFileRecord> get_files_info(const std::vector<xmlNode*>& files);
+  // None when the document's root is not "xmeml" (nothing changes then) or when no rate name
+  // was met twice; otherwise the de-duplicated `frame_rates`. Throws when the document cannot
+  // be read, or when a clip lacks something; what the clips before it gave stays in the fields
+  // and the display shows the new document.
   std::optional<std::vector<std::string>> get_info_from_clips(const std::string& path);
   // Writes to TEMP_XML_FILE, or to `output_path` when one is given.
   void create_fcp_xml(const std::optional<std::string>& output_path = std::nullopt);
@@ -43,8 +44,6 @@ class Controller {
 
   ControllerFields& fields() { return fields_; }
   const ControllerFields& fields() const { return fields_; }
-  const OutputPaths& paths() const { return paths_; }
-  Form& form() { return form_; }
 
  private:
   Form form_;
@@ -52,5 +51,8 @@ class Controller {
   OutputPaths paths_;
   ControllerFields fields_;
 };
+
+// What the form's controls and the rate fields ask of a run, read at the moment of the call.
+TitleSettings read_title_settings(const Form& form, const ControllerFields& fields);
 
 }  // namespace quillory

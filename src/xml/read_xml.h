@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "source/xml_handles.h"
+#include "xml/xml_handles.h"
 
 namespace quillory::xml {
 

@@ -1,6 +1,11 @@
-#include "source/diagnostic_collector.h"
+#include "xml/diagnostic_collector.h"
 
+// Before 2.12 the handler globals are declared in globals.h, which 2.12 deprecates.
+#if LIBXML_VERSION < 21200
 #include <libxml/globals.h>
+#else
+#include <libxml/parser.h>
+#endif
 
 #include <string>
 
@@ -15,7 +20,7 @@ DiagnosticCollector::~DiagnosticCollector() {
   xmlSetStructuredErrorFunc(previous_context_, previous_handler_);
 }
 
-void DiagnosticCollector::on_error(void* self, xmlError* error) {
+void DiagnosticCollector::on_error(void* self, ErrorReport error) {
   if (self == nullptr || error == nullptr) return;
   std::string message = error->message != nullptr ? error->message : "unknown parser error";
   while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) message.pop_back();

@@ -1,4 +1,4 @@
-#include "source/read_xml.h"
+#include "xml/read_xml.h"
 
 #include <gtest/gtest.h>
 

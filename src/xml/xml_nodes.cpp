@@ -1,4 +1,4 @@
-#include "source/xml_nodes.h"
+#include "xml/xml_nodes.h"
 
 #include <cctype>
 #include <climits>

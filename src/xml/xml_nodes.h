@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "source/xml_handles.h"
+#include "xml/xml_handles.h"
 
 namespace quillory::xml {
 

@@ -1,0 +1,29 @@
+#pragma once
+// What a run of title creation is asked for: the host fills these from its own controls or
+// options and hands them to create_fcp_xml.
+
+#include <optional>
+#include <string>
+
+#include "startup/frame_rates.h"
+#include "titles/compose_title_text.h"
+
+namespace quillory {
+
+struct TitleSettings {
+  // The template whose name this is; none, or a name no template has: the first template.
+  std::optional<std::string> template_name;
+  std::string sequence_name;
+  // The new sequence's rate, as its <rate><ntsc> and <timebase> are to hold it.
+  std::string ntsc = "TRUE";
+  int timebase = 30;
+  LineSettings lines = default_line_settings();
+  bool timecode_reader = false;
+
+  void set_rate(const RateRecord& rate) {
+    ntsc = std::string(rate.ntsc);
+    timebase = rate.timebase;
+  }
+};
+
+}  // namespace quillory
