@@ -28,9 +28,11 @@ bool is_choice_title(const QString& title) {
 
 FormSettings default_form_settings() {
   FormSettings values;
-  values.choices = {QStringLiteral("Clip Name"), QStringLiteral("File Name"),
-                    QStringLiteral("Reel Name"), QStringLiteral("First Frame Timecode"),
-                    QStringLiteral("Date (13 March 2010), Time")};
+  const LineSettings lines = default_line_settings();
+  for (std::size_t i = 0; i < 5; ++i) {
+    values.labels[i] = QString::fromStdString(lines[i].label);
+    values.choices[i] = QString::fromStdString(lines[i].choice.value_or(""));
+  }
   return values;
 }
 

@@ -18,7 +18,7 @@ struct FormSettings {
   QByteArray geometry;
 };
 
-// The set-up of a first launch; the command line starts from the same lines.
+// The set-up of a first launch: the core's default lines.
 FormSettings default_form_settings();
 
 // Anything missing or no longer valid (a choice that is not a choice title) takes its default.

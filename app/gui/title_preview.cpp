@@ -7,14 +7,12 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "titles/compose_title_text.h"
 
 namespace quillory::gui {
 
-TitlePreview::TitlePreview(const ControllerFields& fields, const Form& form, QWidget* parent)
+TitlePreview::TitlePreview(std::function<LineSettings()> lines, QWidget* parent)
     : QWidget(parent),
-      fields_(fields),
-      form_(form),
+      lines_(std::move(lines)),
       clip_menu_(new QComboBox(this)),
       view_(new QPlainTextEdit(this)) {
   clip_menu_->setObjectName(QStringLiteral("previewClip"));
@@ -42,15 +40,17 @@ TitlePreview::TitlePreview(const ControllerFields& fields, const Form& form, QWi
   layout->addWidget(view_, 1);
 
   connect(clip_menu_, &QComboBox::currentIndexChanged, this, &TitlePreview::refresh);
-  reloadClips();
+  setClips(nullptr);
 }
 
-void TitlePreview::reloadClips() {
+void TitlePreview::setClips(const std::vector<ClipRecord>* clips) {
+  clips_ = clips;
   const int previous = std::max(clip_menu_->currentIndex(), 0);
   QStringList names;
-  names.reserve(static_cast<qsizetype>(fields_.clips_array.size()));
-  for (std::size_t i = 0; i < fields_.clips_array.size(); ++i) {
-    const auto& clip = fields_.clips_array[i];
+  const std::size_t count = clips_ != nullptr ? clips_->size() : 0;
+  names.reserve(static_cast<qsizetype>(count));
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto& clip = (*clips_)[i];
     // Numbered, because clip names need not be unique.
     names.append(QStringLiteral("%1. %2").arg(i + 1).arg(QString::fromStdString(clip.clip_name)));
   }
@@ -66,14 +66,12 @@ void TitlePreview::reloadClips() {
 
 void TitlePreview::refresh() {
   const int index = clip_menu_->currentIndex();
-  if (index < 0 || static_cast<std::size_t>(index) >= fields_.clips_array.size()) {
+  if (clips_ == nullptr || index < 0 || static_cast<std::size_t>(index) >= clips_->size()) {
     view_->clear();
     return;
   }
-  std::string text = compose_title_text(fields_.clips_array[static_cast<std::size_t>(index)],
-                                        read_line_settings(form_));
-  std::replace(text.begin(), text.end(), '\r', '\n');
-  view_->setPlainText(QString::fromStdString(text));
+  const ClipRecord& clip = (*clips_)[static_cast<std::size_t>(index)];
+  view_->setPlainText(QString::fromStdString(preview_title_text(clip, lines_())));
 }
 
 QString TitlePreview::text() const {

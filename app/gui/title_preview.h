@@ -2,9 +2,10 @@
 // A live view of the title text that the current line set-up gives for one chosen clip.
 
 #include <QWidget>
+#include <functional>
+#include <vector>
 
-#include "form/controller_fields.h"
-#include "form/controls.h"
+#include "titles/compose_title_text.h"
 
 class QComboBox;
 class QPlainTextEdit;
@@ -15,11 +16,11 @@ class TitlePreview : public QWidget {
   Q_OBJECT
 
  public:
-  // Reads the clips from `fields` and the line set-up from `form`; both must outlive it.
-  TitlePreview(const ControllerFields& fields, const Form& form, QWidget* parent = nullptr);
+  // `lines` gives the line set-up each time the preview is composed.
+  explicit TitlePreview(std::function<LineSettings()> lines, QWidget* parent = nullptr);
 
-  // Fills the clip menu again after the clip list was replaced.
-  void reloadClips();
+  // Offers the clips of a newly opened document; `clips` must outlive the next call.
+  void setClips(const std::vector<ClipRecord>* clips);
   // Composes the chosen clip's title text again.
   void refresh();
 
@@ -27,8 +28,8 @@ class TitlePreview : public QWidget {
   QComboBox* clipMenu() const { return clip_menu_; }
 
  private:
-  const ControllerFields& fields_;
-  const Form& form_;
+  std::function<LineSettings()> lines_;
+  const std::vector<ClipRecord>* clips_ = nullptr;
   QComboBox* clip_menu_;
   QPlainTextEdit* view_;
 };

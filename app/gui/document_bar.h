@@ -1,0 +1,28 @@
+#pragma once
+// The open document: the Open button, and the icon and file name that show which document the
+// window holds (the icon's tool tip gives its whole path). The icon is hidden until a document
+// opens.
+
+#include <QWidget>
+
+class QLabel;
+class QPushButton;
+
+namespace quillory::gui {
+
+class DocumentBar : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit DocumentBar(QWidget* parent = nullptr);
+
+  void showDocument(const QString& path);
+  QPushButton* openButton() const { return open_; }
+
+ private:
+  QPushButton* open_;
+  QLabel* icon_;
+  QLabel* file_name_;
+};
+
+}  // namespace quillory::gui

@@ -1,0 +1,172 @@
+#include "form_panel.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+namespace quillory::gui {
+namespace {
+
+QString text_of(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+void select_text(QComboBox* menu, const QString& text) {
+  const int index = menu->findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
+  if (index >= 0) menu->setCurrentIndex(index);
+}
+
+// Refills a menu, keeping the selected title when the new list still has it, else `fallback`.
+void refill(QComboBox* menu, const QStringList& titles, const QString& fallback) {
+  const QString previous = menu->currentText();
+  const QSignalBlocker quiet(menu);
+  menu->clear();
+  menu->addItems(titles);
+  const int kept = titles.indexOf(previous);
+  const int index = kept >= 0 ? kept : titles.indexOf(fallback);
+  menu->setCurrentIndex(index >= 0 ? index : (titles.isEmpty() ? -1 : 0));
+}
+
+// A new sequence may take any rate that the document's clips have, or any rate when they have
+// none.
+QStringList rate_choices(const std::vector<std::string>& rates_met) {
+  QStringList rates;
+  for (const auto& rate : rates_met) rates << QString::fromStdString(rate);
+  if (rates.isEmpty()) {
+    for (const auto& rate : FRAME_RATES) rates << text_of(rate.type);
+  }
+  return rates;
+}
+
+QString default_rate(const std::vector<std::string>& rates_met) {
+  return text_of(default_sequence_rate(rates_met).type);
+}
+
+}  // namespace
+
+FormPanel::FormPanel(QWidget* parent)
+    : QWidget(parent),
+      template_menu_(new QComboBox(this)),
+      rate_menu_(new QComboBox(this)),
+      name_field_(new QLineEdit(this)),
+      timecode_reader_(new QCheckBox(tr("Timecode R&eader on every clip"), this)) {
+  template_menu_->setObjectName(QStringLiteral("templatePopup"));
+  template_menu_->setPlaceholderText(tr("(open a document)"));
+  template_menu_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  template_menu_->setMinimumContentsLength(16);
+  rate_menu_->setObjectName(QStringLiteral("ratePopup"));
+  rate_menu_->setToolTip(tr("The new sequence's frame rate"));
+  refill(rate_menu_, rate_choices({}), default_rate({}));
+  name_field_->setObjectName(QStringLiteral("nameField"));
+  name_field_->setAcceptDrops(false);
+  name_field_->setToolTip(tr("The new sequence's name"));
+  auto* sequence_form = new QFormLayout;
+  sequence_form->addRow(tr("&Template:"), template_menu_);
+  sequence_form->addRow(tr("Frame &rate:"), rate_menu_);
+  sequence_form->addRow(tr("Sequence &name:"), name_field_);
+
+  // The five title lines: a label in front, a choice of what the line shows.
+  auto* lines_box = new QGroupBox(tr("Title lines"), this);
+  auto* grid = new QGridLayout(lines_box);
+  grid->addWidget(new QLabel(tr("Label"), lines_box), 0, 1);
+  grid->addWidget(new QLabel(tr("Shows"), lines_box), 0, 2);
+  const int min_field_width = fontMetrics().averageCharWidth() * 14;
+  for (std::size_t i = 0; i < 5; ++i) {
+    const int row = static_cast<int>(i) + 1;
+    auto* caption = new QLabel(tr("Line &%1:").arg(row), lines_box);
+    auto* edit = new QLineEdit(lines_box);
+    edit->setObjectName(QStringLiteral("line%1Label").arg(row));
+    edit->setAcceptDrops(false);
+    edit->setMinimumWidth(min_field_width);
+    edit->setPlaceholderText(tr("no label"));
+    edit->setToolTip(tr("Text put in front of line %1 (with \"Text\": the whole line)").arg(row));
+    auto* menu = new QComboBox(lines_box);
+    menu->setObjectName(QStringLiteral("line%1Popup").arg(row));
+    for (std::string_view title : CHOICE_TITLES) menu->addItem(text_of(title));
+    // The first title is a single space, so it shows as a blank item; say what it means.
+    menu->setItemData(0, tr("An empty line"), Qt::ToolTipRole);
+    menu->setItemData(0, tr("Empty line"), Qt::AccessibleTextRole);
+    menu->setToolTip(tr("What line %1 shows").arg(row));
+    caption->setBuddy(edit);
+    grid->addWidget(caption, row, 0);
+    grid->addWidget(edit, row, 1);
+    grid->addWidget(menu, row, 2);
+    labels_[i] = edit;
+    choices_[i] = menu;
+    connect(edit, &QLineEdit::textChanged, this, &FormPanel::linesChanged);
+    connect(menu, &QComboBox::currentIndexChanged, this, &FormPanel::linesChanged);
+  }
+  grid->setColumnStretch(1, 1);
+  timecode_reader_->setObjectName(QStringLiteral("tcrCheckbox"));
+  grid->addWidget(timecode_reader_, 6, 1, 1, 2);
+
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addLayout(sequence_form);
+  layout->addWidget(lines_box);
+  layout->addStretch(1);
+  restore(default_form_settings());
+}
+
+LineSettings FormPanel::lineSettings() const {
+  LineSettings lines;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    lines[i].label = labels_[i]->text().toStdString();
+    if (choices_[i]->currentIndex() >= 0) lines[i].choice = choices_[i]->currentText().toStdString();
+  }
+  return lines;
+}
+
+TitleSettings FormPanel::settings() const {
+  TitleSettings settings;
+  if (template_menu_->currentIndex() >= 0) {
+    settings.template_name = template_menu_->currentText().toStdString();
+  }
+  settings.sequence_name = name_field_->text().toStdString();
+  if (const auto rate = find_frame_rate_by_type(rate_menu_->currentText().toStdString())) {
+    settings.set_rate(*rate);
+  }
+  settings.lines = lineSettings();
+  settings.timecode_reader = timecode_reader_->checkState() == Qt::Checked;
+  return settings;
+}
+
+void FormPanel::showDocument(const OpenedSource& opened, const QString& sequence_name) {
+  QStringList templates;
+  for (const auto& title : opened.templates) templates << QString::fromStdString(title.name);
+  refill(template_menu_, templates, QString());
+  refill(rate_menu_, rate_choices(opened.frame_rates), default_rate(opened.frame_rates));
+  name_field_->setText(sequence_name);
+}
+
+void FormPanel::restore(const FormSettings& values) {
+  for (std::size_t i = 0; i < 5; ++i) {
+    labels_[i]->setText(values.labels[i]);
+    select_text(choices_[i], values.choices[i]);
+  }
+  timecode_reader_->setChecked(values.timecode_reader);
+  select_text(rate_menu_, values.rate);
+}
+
+void FormPanel::store(FormSettings& values) const {
+  for (std::size_t i = 0; i < 5; ++i) {
+    values.labels[i] = labels_[i]->text();
+    values.choices[i] = choices_[i]->currentText();
+  }
+  values.timecode_reader = timecode_reader_->isChecked();
+  values.rate = rate_menu_->currentText();
+}
+
+QList<QWidget*> FormPanel::controls() const {
+  QList<QWidget*> chain{template_menu_, rate_menu_, name_field_};
+  for (std::size_t i = 0; i < 5; ++i) chain << labels_[i] << choices_[i];
+  chain << timecode_reader_;
+  return chain;
+}
+
+}  // namespace quillory::gui

@@ -1,0 +1,51 @@
+#pragma once
+// The controls that say what a run creates: the title template, the sequence's rate and name,
+// the five title lines and the Timecode Reader. The panel owns them and hands out their state
+// as the core's settings.
+
+#include <QWidget>
+#include <array>
+
+#include "form_settings.h"
+#include "source/get_info_from_clips.h"
+#include "titles/title_settings.h"
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+
+namespace quillory::gui {
+
+class FormPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit FormPanel(QWidget* parent = nullptr);
+
+  TitleSettings settings() const;
+  LineSettings lineSettings() const;
+
+  // Offers the templates and rates of a newly opened document, keeping the chosen ones where
+  // it still has them, and names the sequence after it.
+  void showDocument(const OpenedSource& opened, const QString& sequence_name);
+
+  void restore(const FormSettings& values);
+  void store(FormSettings& values) const;
+
+  // The controls in reading order, for the window's tab chain.
+  QList<QWidget*> controls() const;
+
+ Q_SIGNALS:
+  // A label or a line's choice changed: the title text may read differently.
+  void linesChanged();
+
+ private:
+  QComboBox* template_menu_;
+  QComboBox* rate_menu_;
+  QLineEdit* name_field_;
+  std::array<QLineEdit*, 5> labels_{};
+  std::array<QComboBox*, 5> choices_{};
+  QCheckBox* timecode_reader_;
+};
+
+}  // namespace quillory::gui

@@ -1,0 +1,42 @@
+#pragma once
+// Where the last run's file went: its path, a button that shows its folder, and one that saves
+// a copy elsewhere. Hidden until a run has written the file.
+
+#include <QString>
+#include <QWidget>
+#include <functional>
+
+class QLabel;
+class QPushButton;
+
+namespace quillory::gui {
+
+// A window-modal warning that does not block: the window stays drawn and nothing waits on it.
+void show_error(QWidget* parent, const QString& summary, const QString& message);
+
+class OutputBar : public QWidget {
+  Q_OBJECT
+
+ public:
+  // `suggested_copy` gives the path the save dialog proposes.
+  OutputBar(QString output_path, std::function<QString()> suggested_copy,
+            QWidget* parent = nullptr);
+
+  void showWritten();
+  // Copies the output to `target`, replacing what is there only once the copy is complete.
+  bool saveCopyTo(const QString& target);
+
+  QPushButton* revealButton() const { return reveal_; }
+  QPushButton* saveCopyButton() const { return save_copy_; }
+
+ private:
+  void saveCopy();
+
+  QString output_path_;
+  std::function<QString()> suggested_copy_;
+  QLabel* label_;
+  QPushButton* reveal_;
+  QPushButton* save_copy_;
+};
+
+}  // namespace quillory::gui
