@@ -1,20 +1,21 @@
 #include "test_support.h"
 
 #include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <random>
 #include <sstream>
 
 #include "xml/read_xml.h"
+
+extern char** environ;
 
 namespace quillory::test {
 
@@ -72,53 +73,39 @@ xml::Document parse(const std::string& text) {
 }
 
 CommandResult run_command(const std::vector<std::string>& argv,
-                          const std::vector<std::string>& environment, int timeout_seconds) {
-  int out_pipe[2];
-  int err_pipe[2];
-  if (::pipe(out_pipe) != 0 || ::pipe(err_pipe) != 0) return {};
-  const pid_t pid = ::fork();
-  if (pid == 0) {
-    ::dup2(out_pipe[1], 1);
-    ::dup2(err_pipe[1], 2);
-    ::close(out_pipe[0]);
-    ::close(err_pipe[0]);
-    for (const auto& assignment : environment) ::putenv(const_cast<char*>(assignment.c_str()));
-    std::vector<char*> args;
-    for (const auto& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
-    args.push_back(nullptr);
-    ::execv(args[0], args.data());
-    ::_exit(127);
-  }
-  ::close(out_pipe[1]);
-  ::close(err_pipe[1]);
-  CommandResult result;
-  pollfd fds[2] = {{out_pipe[0], POLLIN, 0}, {err_pipe[0], POLLIN, 0}};
-  std::string* sinks[2] = {&result.out, &result.err};
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeout_seconds);
-  int open_pipes = 2;
-  while (open_pipes > 0 && std::chrono::steady_clock::now() < deadline) {
-    if (::poll(fds, 2, 1000) <= 0) continue;
-    for (int i = 0; i < 2; ++i) {
-      if (fds[i].fd < 0 || (fds[i].revents & (POLLIN | POLLHUP)) == 0) continue;
-      char buffer[65536];
-      const ssize_t n = ::read(fds[i].fd, buffer, sizeof buffer);
-      if (n > 0) {
-        sinks[i]->append(buffer, static_cast<std::size_t>(n));
-      } else {
-        ::close(fds[i].fd);
-        fds[i].fd = -1;
-        --open_pipes;
-      }
+                          const std::vector<std::string>& environment) {
+  // Assignments given here replace the inherited ones of the same name.
+  std::vector<std::string> assignments = environment;
+  for (char** inherited = environ; *inherited != nullptr; ++inherited) {
+    const std::string assignment = *inherited;
+    const std::string name = assignment.substr(0, assignment.find('=') + 1);
+    if (std::none_of(environment.begin(), environment.end(),
+                     [&name](const std::string& given) { return given.rfind(name, 0) == 0; })) {
+      assignments.push_back(assignment);
     }
   }
-  if (open_pipes > 0) ::kill(pid, SIGKILL);
-  for (auto& fd : fds) {
-    if (fd.fd >= 0) ::close(fd.fd);
-  }
+  const auto pointers = [](std::vector<std::string>& texts) {
+    std::vector<char*> list;
+    for (auto& text : texts) list.push_back(text.data());
+    list.push_back(nullptr);
+    return list;
+  };
+  std::vector<std::string> args = argv;
+  const TempDir captured;
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, captured.file("out").c_str(),
+                                   O_WRONLY | O_CREAT, 0600);
+  posix_spawn_file_actions_addopen(&actions, 2, captured.file("err").c_str(),
+                                   O_WRONLY | O_CREAT, 0600);
+  pid_t pid = 0;
   int status = 0;
-  ::waitpid(pid, &status, 0);
-  result.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  return result;
+  const bool started = posix_spawn(&pid, args[0].c_str(), &actions, nullptr,
+                                   pointers(args).data(), pointers(assignments).data()) == 0;
+  posix_spawn_file_actions_destroy(&actions);
+  if (!started || ::waitpid(pid, &status, 0) != pid) return {};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+          read_file(captured.file("out")), read_file(captured.file("err"))};
 }
 
 std::string metadata(const std::string& key, const std::string& value) {

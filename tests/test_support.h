@@ -45,17 +45,16 @@ std::string read_file(const std::filesystem::path& path);
 // Parses XML text strictly; fails the test on any diagnostic.
 xml::Document parse(const std::string& text);
 
-
 struct CommandResult {
   int exit_code = -1;
   std::string out;
   std::string err;
 };
 
-// Runs a program with arguments (no shell), extra environment assignments ("NAME=value") and a
-// time limit, capturing standard output and standard error.
+// Runs a program with arguments (no shell) and extra environment assignments ("NAME=value"),
+// capturing standard output and standard error.
 CommandResult run_command(const std::vector<std::string>& argv,
-                          const std::vector<std::string>& environment = {}, int timeout_seconds = 60);
+                          const std::vector<std::string>& environment = {});
 
 // A minimal xmeml master clip for tests; `extra` is inserted into the clip element.
 std::string media_clip(const std::string& name, const std::string& file_id, int duration,

@@ -5,10 +5,10 @@
 
 #include <benchmark/benchmark.h>
 
-#include "form/memory_form.h"
 #include "source/get_info_from_clips.h"
 #include "test_support.h"
 #include "titles/create_fcp_xml.h"
+#include "titles/sequence_templates.h"
 
 namespace quillory {
 namespace {
@@ -29,25 +29,17 @@ std::string dailies(int clips) {
   return test::xmeml(body);
 }
 
-struct NullSink : LineSink {
-  void line(std::string_view) override {}
-};
-
 void BM_OpenAndCreate(benchmark::State& state) {
   const int clips = static_cast<int>(state.range(0));
   test::TempDir dir;
   const std::string source = dir.file("dailies.xml");
   test::write_file(source, dailies(clips));
-  MemoryForm memory;
-  memory.line_popups[0].selected = "Clip Name";
-  memory.line_popups[1].selected = "Date (13 March 2010), Time";
-  memory.tcrCheckbox.value = 1;
-  Form form = memory.form();
+  TitleSettings settings;
+  settings.timecode_reader = true;
   NullSink out;
   for (auto _ : state) {
-    ControllerFields fields;
-    get_info_from_clips(source, form, fields, out);
-    create_fcp_xml(form, fields, dir.file("Quillory.xml"), out);
+    const OpenedSource opened = get_info_from_clips(source, built_in_template(), out);
+    create_fcp_xml(opened.templates, opened.clips, settings, dir.file("Quillory.xml"), out);
   }
   state.SetItemsProcessed(state.iterations() * clips);
 }

@@ -1,7 +1,6 @@
 #include "source/parse_xml_file.h"
 
 #include <gtest/gtest.h>
-#include <libxml/globals.h>
 
 #include <system_error>
 
@@ -47,18 +46,6 @@ TEST(ParseXmlFile, RootNameIsTheFirstTopLevelNode) {
   EXPECT_EQ(load(dir, "<project/>\n").loaded.root_name, "project");
 }
 
-TEST(ParseXmlFile, Latin1ByteIsRemovedWithTheUnitItStarts) {
-  TempDir dir;
-  std::string text = "<xmeml>\n";
-  for (int i = 2; i <= 11; ++i) text += "<a>" + std::to_string(i) + "</a>\n";
-  text += "<name>caf\xE9s au lait</name>\n</xmeml>\n";
-  auto result = load(dir, text);
-  EXPECT_EQ(result.lines, (std::vector<std::string>{"1 errors parsing file!!!", "...fixing line 12",
-                                                    "no errors parsing good_string!"}));
-  xml::XPathQuery name("//name");
-  EXPECT_EQ(xml::text_content(name.first(xml::as_node(result.loaded.document.get()))), "cafau lait");
-}
-
 TEST(ParseXmlFile, RepairKeepsCarriageReturnsAndJoinsLinesWithoutSeparator) {
   TempDir dir;
   xml::XPathQuery v("//v");
@@ -99,17 +86,6 @@ TEST(ParseXmlFile, UnreadableOrEmptySourceFailsNamingThePath) {
   EXPECT_TRUE(out.lines.empty());
   write_file(dir.file("empty.xml"), "");
   EXPECT_THROW(parse_xml_file(dir.file("empty.xml"), out), std::runtime_error);
-}
-
-TEST(ParseXmlFile, ErrorHandlerIsRestoredAfterTheParse) {
-  TempDir dir;
-  static int calls = 0;
-  xmlStructuredErrorFunc mine = [](void*, xmlError*) { ++calls; };
-  xmlSetStructuredErrorFunc(nullptr, mine);
-  load(dir, "<xmeml><a></b></xmeml>");
-  EXPECT_EQ(xmlStructuredError, mine);
-  EXPECT_EQ(calls, 0) << "diagnostics of the parse must not leak to the previous handler";
-  xmlSetStructuredErrorFunc(nullptr, nullptr);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include "startup/app_data_folders.h"
-#include "form/controller.h"
 #include "startup/frame_rates.h"
 #include "test_support.h"
 
@@ -73,35 +72,21 @@ TEST(StartUp, FolderLookupPrefersAnAbsoluteXdgDataHomeAndExpandsTilde) {
   EXPECT_EQ(expand_tilde("/abs/~"), "/abs/~");
 }
 
-TEST(StartUp, OperationsAreMadeAvailableInOrder) {
-  EXPECT_EQ(std::vector<std::string_view>(Controller::operation_names.begin(),
-                                          Controller::operation_names.end()),
-            (std::vector<std::string_view>{"parse_xml_file", "empty_sequence_xml",
-                                           "lower_third_xml", "tcr_filter_xml", "get_files_info",
-                                           "get_info_from_clips", "create_fcp_xml"}));
-}
-
 TEST(FrameRates, LookupMatchesFlagAndTimebaseExactly) {
-  const auto type = [](std::string_view ntsc, long long timebase) {
+  const std::pair<std::string_view, long long> rows[] = {
+      {"TRUE", 24},  {"FALSE", 24}, {"FALSE", 25}, {"TRUE", 30},  {"FALSE", 30}, {"FALSE", 50},
+      {"TRUE", 60},  {"FALSE", 60}, {"TRUE", 25},  {"TRUE", 50},  {"true", 24},  {"True", 30},
+      {" TRUE", 30}, {"FALSE", 23}};
+  std::string found;
+  for (const auto& [ntsc, timebase] : rows) {
     const auto rate = find_frame_rate(ntsc, timebase);
-    return rate ? std::string(rate->type) : std::string("none");
-  };
-  EXPECT_EQ(type("TRUE", 24), "24P (24fps)");
-  EXPECT_EQ(type("FALSE", 24), "Film (24fps)");
-  EXPECT_EQ(type("FALSE", 25), "PAL (25fps)");
-  EXPECT_EQ(type("TRUE", 30), "NTSC/HD (29.97fps)");
-  EXPECT_EQ(type("FALSE", 30), "Video/HD (30fps)");
-  EXPECT_EQ(type("FALSE", 50), "HD (50fps)");
-  EXPECT_EQ(type("TRUE", 60), "HD (59.94fps)");
-  EXPECT_EQ(type("FALSE", 60), "HD (60fps)");
-  EXPECT_EQ(type("TRUE", 25), "none");
-  EXPECT_EQ(type("TRUE", 50), "none");
-  EXPECT_EQ(type("true", 24), "none");
-  EXPECT_EQ(type("True", 30), "none");
-  EXPECT_EQ(type(" TRUE", 30), "none");
-  EXPECT_EQ(type("FALSE", 23), "none");
-  EXPECT_EQ(FRAME_RATES[0].fcp_rate, (std::variant<int, double>(23.976)));
-  EXPECT_EQ(FRAME_RATES[1].fcp_rate, (std::variant<int, double>(24)));
+    found += std::string(rate ? rate->type : "none") + ";";
+  }
+  EXPECT_EQ(found,
+            "24P (24fps);Film (24fps);PAL (25fps);NTSC/HD (29.97fps);Video/HD (30fps);HD (50fps);"
+            "HD (59.94fps);HD (60fps);none;none;none;none;none;none;");
+  EXPECT_EQ(default_sequence_rate({}).type, "NTSC/HD (29.97fps)");
+  EXPECT_EQ(default_sequence_rate({"HD (50fps)", "PAL (25fps)"}).type, "HD (50fps)");
 }
 
 }  // namespace

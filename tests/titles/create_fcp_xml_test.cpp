@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "form/memory_form.h"
 #include "source/get_info_from_clips.h"
+#include "titles/sequence_templates.h"
 #include "xml/xml_nodes.h"
 #include "xml/xpath_query.h"
 #include "test_support.h"
@@ -30,11 +30,12 @@ class CreatingTitles : public ::testing::Test {
   void open(const std::string& body) {
     const std::string path = dir.file("dailies.xml");
     test::write_file(path, test::xmeml(body));
-    get_info_from_clips(path, form, fields, out);
+    opened = get_info_from_clips(path, built_in_template(), out);
   }
-  std::string create() {
-    create_fcp_xml(form, fields, output, out);
-    return test::read_file(*output);
+  void create() { create_fcp_xml(opened.templates, opened.clips, settings, output, out); }
+  xml::Document created() {
+    create();
+    return test::parse(test::read_file(*output));
   }
   std::vector<std::string> texts(const xml::Document& doc, const char* path) {
     std::vector<std::string> result;
@@ -45,9 +46,8 @@ class CreatingTitles : public ::testing::Test {
   }
 
   test::TempDir dir;
-  MemoryForm memory;
-  Form form = memory.form();
-  ControllerFields fields;
+  OpenedSource opened;
+  TitleSettings settings;
   RecordingSink out;
   std::optional<std::string> output = dir.file("Quillory.xml");
 };
@@ -56,14 +56,11 @@ TEST_F(CreatingTitles, LaysClipsEndToEndWithTitlesAndAudio) {
   open(media_clip("A", "f", 100, file_definition("f", "a.mov", "R1"), "FALSE", 25,
                   audio_track(2)) +
        media_clip("B", "f", 50, "", "FALSE", 25, audio_track(1) + audio_track(1)));
-  memory.nameField.value = "Dailies & more";
-  memory.line_popups[0].selected = "Clip Name";
-  memory.line_labels[1].value = "Reel";
-  memory.line_popups[1].selected = "Reel Name";
-  fields.ntsc = "FALSE";
-  fields.timebase = 25;
+  settings.sequence_name = "Dailies & more";
+  settings.lines = {{{"", "Clip Name"}, {"Reel", "Reel Name"}}};
+  settings.set_rate(*find_frame_rate_by_type("PAL (25fps)"));
   out.lines.clear();
-  const xml::Document doc = test::parse(create());
+  const xml::Document doc = created();
   EXPECT_EQ(out.lines, (std::vector<std::string>{"Clip 1 at 0", "  A, a.mov, 100", "Clip 2 at 100",
                                                  "  B, a.mov, 50"}));
   EXPECT_EQ(texts(doc, "//sequence/name"), std::vector<std::string>{"Dailies & more"});
@@ -91,54 +88,52 @@ TEST_F(CreatingTitles, LaysClipsEndToEndWithTitlesAndAudio) {
   EXPECT_TRUE(texts(doc, "//filter/effect[effectid='Timecode Reader']").empty());
 }
 
-TEST_F(CreatingTitles, TimecodeReaderOnlyWhenCheckedAndOutlineTextInSecondValue) {
+TEST_F(CreatingTitles, TimecodeReaderOnlyWhenAskedAndOutlineTextInSecondValue) {
   const std::string outline =
       "<clip><name>Slate</name><media><video><track><generatoritem id=\"s\"><name>S</name>"
       "<duration>1</duration><in>0</in><out>1</out><start>0</start><end>1</end><effect>"
       "<effectid>Outline Text</effectid><parameter><value>first</value></parameter><parameter>"
       "<value>second</value></parameter></effect></generatoritem></track></video></media></clip>";
   open(media_clip("A", "f", 10, file_definition("f", "a.mov")) + outline);
-  memory.templatePopup.selected = "Slate";
-  memory.line_popups[0].selected = "Text";
-  memory.line_labels[0].value = "hi";
-  memory.tcrCheckbox.value = -1;
-  xml::Document doc = test::parse(create());
+  settings.template_name = "Slate";
+  settings.lines = {{{"hi", "Text"}}};
+  xml::Document doc = created();
   EXPECT_EQ(texts(doc, "//generatoritem/effect/parameter/value"),
             (std::vector<std::string>{"first", "hi\r"}));
   EXPECT_TRUE(texts(doc, "//effectid[.='Timecode Reader']").empty());
-  memory.tcrCheckbox.value = 1;
-  doc = test::parse(create());
+  settings.timecode_reader = true;
+  doc = created();
   EXPECT_EQ(texts(doc, "//video/track[1]/clipitem/filter[last()]/effect/effectid"),
             std::vector<std::string>{"Timecode Reader"});
   EXPECT_EQ(texts(doc, "//effectid[.='Timecode Reader']").size(), 1U);
-  memory.templatePopup.selected = "No such template";
-  doc = test::parse(create());
+  settings.template_name = "No such template";
+  doc = created();
   EXPECT_EQ(texts(doc, "//generatoritem/@id"), std::vector<std::string>{"Quillory Card"});
 }
 
 TEST_F(CreatingTitles, RunsLeaveTheListsUnchangedAndGiveIdenticalFiles) {
   open(media_clip("A", "f", 10, file_definition("f", "a.mov"), "FALSE", 25, audio_track(4)));
-  memory.tcrCheckbox.value = 1;
-  const std::string first = create();
-  const std::string second = create();
-  EXPECT_EQ(first, second);
-  EXPECT_EQ(xml::text_content(xml::XPathQuery(".//start").first(fields.clips_array[0].xml)), "-1");
+  settings.timecode_reader = true;
+  create();
+  const std::string first = test::read_file(*output);
+  create();
+  EXPECT_EQ(test::read_file(*output), first);
+  EXPECT_EQ(xml::text_content(xml::XPathQuery(".//start").first(opened.clips[0].xml)), "-1");
 }
 
 // The writer drops the blank text between elements to indent the document; a title whose
 // lines are all empty is blank text too, but it is content and must keep its line ends.
 TEST_F(CreatingTitles, TitleOfEmptyLinesKeepsItsCarriageReturns) {
   open(media_clip("A", "f", 10, file_definition("f", "a.mov")));
-  memory.line_popups[0].selected = " ";
-  memory.line_popups[1].selected = " ";
-  const xml::Document doc = test::parse(create());
+  settings.lines = {{{"", " "}, {"", " "}}};
+  const xml::Document doc = created();
   EXPECT_EQ(texts(doc, "//generatoritem/effect/parameter[1]/value"),
             std::vector<std::string>{"\r\r"});
 }
 
 TEST_F(CreatingTitles, EmptyClipListWritesTheEmptySequence) {
   open("");
-  const xml::Document doc = test::parse(create());
+  const xml::Document doc = created();
   EXPECT_EQ(texts(doc, "//track").size(), 6U);
   EXPECT_TRUE(texts(doc, "//clipitem | //generatoritem").empty());
   EXPECT_TRUE(out.lines.back() == "...done!" || out.lines.back() == "----------");
@@ -149,7 +144,7 @@ TEST_F(CreatingTitles, FailureNamesTheClipAndKeepsThePreviousFile) {
   const auto failure = [this](const std::string& body) {
     open(body);
     try {
-      create_fcp_xml(form, fields, output, out);
+      create();
     } catch (const std::runtime_error& error) {
       return std::string(error.what());
     }
@@ -173,8 +168,7 @@ TEST_F(CreatingTitles, FailureNamesTheClipAndKeepsThePreviousFile) {
   EXPECT_EQ(test::read_file(*output), "previous run");
   output.reset();
   EXPECT_NE(failure("").find("no output folder is known"), std::string::npos);
-  ControllerFields unopened;
-  EXPECT_THROW(create_fcp_xml(form, unopened, dir.file("x.xml"), out), std::runtime_error);
+  EXPECT_THROW(create_fcp_xml({}, {}, settings, dir.file("x.xml"), out), std::runtime_error);
   EXPECT_FALSE(std::filesystem::exists(dir.file("x.xml")));
 }
 

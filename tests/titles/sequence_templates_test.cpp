@@ -92,41 +92,5 @@ TEST(SequenceTemplates, FragmentsGiveTheSameTreeAsHtmlAndAsXml) {
   }
 }
 
-TEST(SequenceTemplates, TextsAreFreshFramedAsciiCopies) {
-  struct Case {
-    std::string (*make)();
-    std::string begin, end;
-  };
-  const Case cases[] = {
-      {empty_sequence_xml,
-       "<?xml version=\"1.0\" encoding=\"UTF-8\"?><!DOCTYPE xmeml>\n\t<xmeml version=\"4\">\n"
-       "\t<sequence id=\"Quillory\">\n\t\t<uuid>",
-       "\t</sequence>\n\t</xmeml>\n\t"},
-      {lower_third_xml, "\n\t<generatoritem id=\"Quillory Card\">\n\t\t<name>",
-       "\t</generatoritem>\n\t"},
-      {tcr_filter_xml, "\n\t<filter>\n\t\t<enabled>", "\t</filter>\n\t"},
-  };
-  for (const Case& c : cases) {
-    std::string first = c.make();
-    std::string second = c.make();
-    EXPECT_EQ(first, second);
-    first[0] = 'x';
-    EXPECT_EQ(c.make(), second);
-    EXPECT_NE(first, second);
-    EXPECT_EQ(second.substr(0, c.begin.size()), c.begin);
-    ASSERT_GE(second.size(), c.end.size());
-    EXPECT_EQ(second.substr(second.size() - c.end.size()), c.end);
-    bool line_start = true;
-    for (char ch : second) {
-      EXPECT_LT(static_cast<unsigned char>(ch), 0x80) << "not ASCII";
-      EXPECT_NE(ch, '\r');
-      if (line_start) {
-        EXPECT_NE(ch, ' ') << "space used for indentation";
-      }
-      line_start = ch == '\n' || (line_start && ch == '\t');
-    }
-  }
-}
-
 }  // namespace
 }  // namespace quillory

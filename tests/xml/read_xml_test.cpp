@@ -1,6 +1,10 @@
 #include "xml/read_xml.h"
 
+#include <libxml/parser.h>
+
 #include <gtest/gtest.h>
+
+#include "xml/diagnostic_collector.h"
 
 namespace quillory {
 namespace {
@@ -26,6 +30,16 @@ TEST(ReadXml, CollectsDiagnosticsWithLinesAndNeverExpandsEntities) {
   xml::XmlString content(xmlNodeGetContent(xmlDocGetRootElement(parsed.document.get())));
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(content.get())).find("root:"),
             std::string::npos);
+}
+
+TEST(ReadXml, PutsBackTheErrorHandlerItFound) {
+  static int calls = 0;
+  const xmlStructuredErrorFunc mine = [](void*, xml::ErrorReport) { ++calls; };
+  xmlSetStructuredErrorFunc(nullptr, mine);
+  EXPECT_FALSE(xml::read_xml("<xmeml><a></b></xmeml>", "doc.xml", XML_PARSE_RECOVER).diagnostics.empty());
+  EXPECT_EQ(xmlStructuredError, mine);
+  EXPECT_EQ(calls, 0) << "diagnostics of the parse must not leak to the previous handler";
+  xmlSetStructuredErrorFunc(nullptr, nullptr);
 }
 
 }  // namespace

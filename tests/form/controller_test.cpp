@@ -1,0 +1,119 @@
+#include "form/controller.h"
+
+#include <gtest/gtest.h>
+
+#include "test_support.h"
+#include "xml/xml_nodes.h"
+#include "xml/xpath_query.h"
+
+namespace quillory {
+namespace {
+
+using test::file_definition;
+using test::media_clip;
+
+// Controls that hold their values, as a window's would.
+struct Field : TextField {
+  std::string stringValue() const override { return value; }
+  std::string value;
+};
+struct Menu : PopUpMenu {
+  std::optional<std::string> titleOfSelectedItem() const override { return selected; }
+  std::optional<std::string> selected;
+};
+struct Box : Checkbox {
+  int state() const override { return value; }
+  int value = 0;
+};
+struct Icon : IconView {
+  void setHidden(bool value) override { hidden = value; }
+  void setToolTip(const std::string& text) override { tool_tip = text; }
+  void setNeedsDisplay(bool) override {}
+  bool hidden = true;
+  std::string tool_tip;
+};
+struct Label : TextLabel {
+  void setStringValue(const std::string& text) override { value = text; }
+  void setNeedsDisplay(bool) override {}
+  std::string value;
+};
+
+class ControllerTest : public ::testing::Test {
+ protected:
+  std::string write(const std::string& name, const std::string& body) {
+    test::write_file(dir.file(name), test::xmeml(body));
+    return dir.file(name);
+  }
+  std::string created_text(const char* path) {
+    controller.create_fcp_xml();
+    const xml::Document doc = test::parse(test::read_file(output));
+    std::string texts;
+    for (xmlNode* node : xml::XPathQuery(path).all(xml::as_node(doc.get()))) {
+      texts += xml::text_content(node) + "|";
+    }
+    return texts;
+  }
+
+  test::TempDir dir;
+  Menu templates, choices[5];
+  Field name, labels[5];
+  Box tcr;
+  Icon icon;
+  Label file_name;
+  RecordingSink out;
+  std::string output = dir.file("Quillory.xml");
+  Controller controller{Form{templates, name, labels[0], labels[1], labels[2], labels[3],
+                             labels[4], choices[0], choices[1], choices[2], choices[3],
+                             choices[4], tcr, icon, file_name},
+                        out, OutputPaths{dir.path().string(), output}};
+};
+
+TEST_F(ControllerTest, OpenShowsTheDocumentAndReplacesTheFields) {
+  const std::string path = write("Edit 1.xml", media_clip("A", "f", 5, file_definition("f", "a.mov")) +
+                                                   media_clip("B", "f", 5));
+  EXPECT_EQ(controller.get_info_from_clips(path), std::vector<std::string>{"PAL (25fps)"});
+  EXPECT_FALSE(icon.hidden);
+  EXPECT_EQ(icon.tool_tip, path);
+  EXPECT_EQ(file_name.value, "Edit 1.xml");
+  EXPECT_EQ(controller.fields().templates_array.at(0).name, "Default");
+  EXPECT_EQ(controller.fields().clips_array.size(), 2U);
+
+  // A document that is not xmeml changes nothing; one that breaks off shows itself and keeps
+  // what came before the failing clip.
+  test::write_file(dir.file("project.xml"), "<project><clip/></project>");
+  EXPECT_FALSE(controller.get_info_from_clips(dir.file("project.xml")));
+  EXPECT_EQ(file_name.value, "Edit 1.xml");
+  EXPECT_EQ(controller.fields().clips_array.size(), 2U);
+  const std::string broken = write("broken.xml", media_clip("C", "f", 5, file_definition("f", "c.mov")) +
+                                                     media_clip("D", "f", 5, "", "true", 24));
+  EXPECT_THROW(controller.get_info_from_clips(broken), std::runtime_error);
+  EXPECT_EQ(file_name.value, "broken.xml");
+  EXPECT_EQ(controller.fields().clips_array.size(), 2U);
+  EXPECT_EQ(controller.fields().clips_array[0].clip_name, "C");
+  EXPECT_THROW(controller.get_info_from_clips(dir.file("missing.xml")), std::runtime_error);
+  EXPECT_EQ(file_name.value, "broken.xml");
+}
+
+TEST_F(ControllerTest, CreateReadsTheControlsAtEachRun) {
+  const std::string slate =
+      "<clip><name>Slate</name><media><video><track><generatoritem id=\"s\"><name>S</name>"
+      "<duration>1</duration><in>0</in><out>1</out><start>0</start><end>1</end><effect>"
+      "<effectid>Outline Text</effectid><parameter><value>first</value></parameter><parameter>"
+      "<value>second</value></parameter></effect></generatoritem></track></video></media></clip>";
+  controller.get_info_from_clips(write("d.xml", media_clip("A", "f", 10, file_definition("f", "a.mov")) + slate));
+  ASSERT_TRUE(controller.set_sequence_rate("PAL (25fps)"));
+  name.value = "Day 1";
+  labels[0].value = "hi";
+  choices[0].selected = "Text";
+  tcr.value = -1;
+  EXPECT_EQ(created_text("//sequence/name | //sequence/rate/timebase | //generatoritem/@id | "
+                         "//generatoritem/effect/parameter[1]/value | //effectid[.='Timecode Reader']"),
+            "Day 1|25|Quillory Card|hi\r|");
+  templates.selected = "Slate";
+  tcr.value = 1;
+  EXPECT_EQ(created_text("//generatoritem/effect/parameter/value | //effectid[.='Timecode Reader']"),
+            "Timecode Reader|first|hi\r|");
+}
+
+}  // namespace
+}  // namespace quillory
