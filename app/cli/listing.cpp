@@ -6,7 +6,7 @@
 namespace quillory::cli {
 namespace {
 
-nlohmann::json iso_date_time(const std::optional<DateTime>& time) {
+nlohmann::ordered_json iso_date_time(const std::optional<DateTime>& time) {
   if (!time) return nullptr;
   char text[32];
   std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", time->year, time->month,
@@ -30,8 +30,8 @@ void print_listing(const OpenedSource& opened, std::ostream& out) {
 }
 
 void print_json_listing(const OpenedSource& opened, std::ostream& out) {
-  nlohmann::json listing{{"templates", nlohmann::json::array()},
-                         {"clips", nlohmann::json::array()},
+  nlohmann::ordered_json listing{{"templates", nlohmann::ordered_json::array()},
+                         {"clips", nlohmann::ordered_json::array()},
                          {"rates", opened.frame_rates}};
   for (const auto& title : opened.templates) {
     listing["templates"].push_back({{"name", title.name}, {"type", title.type}});
@@ -48,7 +48,7 @@ void print_json_listing(const OpenedSource& opened, std::ostream& out) {
                                 {"rate", opened.clip_rates[i]}});
   }
   // Text from a repaired source is valid UTF-8; replacing keeps any other byte from aborting.
-  out << listing.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+  out << listing.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
 }
 
 void print_preview(const std::vector<ClipRecord>& clips, const LineSettings& lines,
