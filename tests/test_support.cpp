@@ -8,12 +8,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <random>
 #include <sstream>
 
 #include "xml/read_xml.h"
+#include "xml/xml_nodes.h"
 
 extern char** environ;
 
@@ -70,6 +72,20 @@ xml::Document parse(const std::string& text) {
   EXPECT_TRUE(parsed.diagnostics.empty())
       << (parsed.diagnostics.empty() ? "" : xml::describe(parsed.diagnostics[0], "test document"));
   return std::move(parsed.document);
+}
+
+std::string texts(const xml::Document& doc, const char* path) {
+  xml::XPathContext context(xmlXPathNewContext(doc.get()));
+  xml::XPathObject result(xmlXPathEvalExpression(BAD_CAST path, context.get()));
+  EXPECT_TRUE(result) << "bad XPath " << path;
+  if (!result) return {};
+  if (result->type == XPATH_NUMBER) return std::to_string(std::lround(result->floatval)) + "|";
+  std::string joined;
+  const xmlNodeSet* nodes = result->nodesetval;
+  for (int i = 0; nodes != nullptr && i < nodes->nodeNr; ++i) {
+    joined += xml::text_content(nodes->nodeTab[i]) + "|";
+  }
+  return joined;
 }
 
 CommandResult run_command(const std::vector<std::string>& argv,

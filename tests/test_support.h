@@ -45,6 +45,9 @@ std::string read_file(const std::filesystem::path& path);
 // Parses XML text strictly; fails the test on any diagnostic.
 xml::Document parse(const std::string& text);
 
+// What an XPath gives in `doc`: the text of each match followed by "|", or a count's value.
+std::string texts(const xml::Document& doc, const char* path);
+
 struct CommandResult {
   int exit_code = -1;
   std::string out;

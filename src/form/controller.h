@@ -44,6 +44,7 @@ class Controller {
 
   ControllerFields& fields() { return fields_; }
   const ControllerFields& fields() const { return fields_; }
+  const Form& form() const { return form_; }
 
  private:
   Form form_;

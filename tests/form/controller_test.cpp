@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "test_support.h"
-#include "xml/xml_nodes.h"
-#include "xml/xpath_query.h"
 
 namespace quillory {
 namespace {
@@ -44,16 +42,6 @@ class ControllerTest : public ::testing::Test {
     test::write_file(dir.file(name), test::xmeml(body));
     return dir.file(name);
   }
-  std::string created_text(const char* path) {
-    controller.create_fcp_xml();
-    const xml::Document doc = test::parse(test::read_file(output));
-    std::string texts;
-    for (xmlNode* node : xml::XPathQuery(path).all(xml::as_node(doc.get()))) {
-      texts += xml::text_content(node) + "|";
-    }
-    return texts;
-  }
-
   test::TempDir dir;
   Menu templates, choices[5];
   Field name, labels[5];
@@ -95,24 +83,26 @@ TEST_F(ControllerTest, OpenShowsTheDocumentAndReplacesTheFields) {
 }
 
 TEST_F(ControllerTest, CreateReadsTheControlsAtEachRun) {
-  const std::string slate =
-      "<clip><name>Slate</name><media><video><track><generatoritem id=\"s\"><name>S</name>"
-      "<duration>1</duration><in>0</in><out>1</out><start>0</start><end>1</end><effect>"
-      "<effectid>Outline Text</effectid><parameter><value>first</value></parameter><parameter>"
-      "<value>second</value></parameter></effect></generatoritem></track></video></media></clip>";
-  controller.get_info_from_clips(write("d.xml", media_clip("A", "f", 10, file_definition("f", "a.mov")) + slate));
+  controller.get_info_from_clips(write("d.xml", media_clip("A", "f", 10, file_definition("f", "a.mov"))));
   ASSERT_TRUE(controller.set_sequence_rate("PAL (25fps)"));
   name.value = "Day 1";
-  labels[0].value = "hi";
-  choices[0].selected = "Text";
-  tcr.value = -1;
-  EXPECT_EQ(created_text("//sequence/name | //sequence/rate/timebase | //generatoritem/@id | "
-                         "//generatoritem/effect/parameter[1]/value | //effectid[.='Timecode Reader']"),
-            "Day 1|25|Quillory Card|hi\r|");
+  labels[2].value = "hi";
+  choices[2].selected = "Text";
+  tcr.value = -1;  // mixed: no Timecode Reader
+  TitleSettings settings = read_title_settings(controller.form(), controller.fields());
+  EXPECT_FALSE(settings.template_name);
+  EXPECT_EQ(settings.sequence_name + settings.ntsc + std::to_string(settings.timebase), "Day 1FALSE25");
+  EXPECT_EQ(settings.lines[2].label + *settings.lines[2].choice, "hiText");
+  EXPECT_FALSE(settings.lines[0].choice);
+  EXPECT_FALSE(settings.timecode_reader);
   templates.selected = "Slate";
   tcr.value = 1;
-  EXPECT_EQ(created_text("//generatoritem/effect/parameter/value | //effectid[.='Timecode Reader']"),
-            "Timecode Reader|first|hi\r|");
+  settings = read_title_settings(controller.form(), controller.fields());
+  EXPECT_EQ(settings.template_name, "Slate");
+  EXPECT_TRUE(settings.timecode_reader);
+  controller.create_fcp_xml();
+  EXPECT_EQ(test::texts(test::parse(test::read_file(output)), "//sequence/name | //generatoritem/effect/parameter[1]/value"),
+            "Day 1|hi\r|");
 }
 
 }  // namespace
