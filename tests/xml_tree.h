@@ -6,8 +6,8 @@
 
 namespace quillory::test {
 
-// Compares element names, attributes (in any order) and text, ignoring text made only of
-// white space. Returns "" when the trees are equal, else where they first differ.
+// Compares element names, attributes (in any order) and text, ignoring the blank text between
+// elements. Returns "" when the trees are equal, else the text around where they first differ.
 std::string tree_difference(const std::string& expected_xml, const std::string& actual_xml);
 
 }  // namespace quillory::test

@@ -33,43 +33,33 @@ TEST(StartUp, CreatesFerncroftOnceAndFixesBothPaths) {
 TEST(StartUp, CreationFailureNamesThePathAndTheSystemReason) {
   TempDir dir;
   test::write_file(dir.file("Ferncroft"), "a file, not a folder");
-  try {
-    start_up({dir.path().string()});
-    FAIL() << "expected an error";
-  } catch (const std::system_error& error) {
-    EXPECT_EQ(error.code().value(), EEXIST);
-    EXPECT_NE(std::string(error.what()).find(dir.file("Ferncroft")), std::string::npos);
+  for (const auto& [parent, reason] : {std::pair{dir.path().string(), EEXIST},
+                                       std::pair{dir.file("no/such/parent"), ENOENT}}) {
+    try {
+      start_up({parent});
+      ADD_FAILURE() << "expected an error for " << parent;
+    } catch (const std::system_error& error) {
+      EXPECT_EQ(error.code().value(), reason);
+      EXPECT_NE(std::string(error.what()).find(parent + "/Ferncroft"), std::string::npos);
+    }
   }
-  try {
-    start_up({dir.file("no/such/parent")});
-    FAIL() << "expected an error";
-  } catch (const std::system_error& error) {
-    EXPECT_EQ(error.code().value(), ENOENT);
-  }
-}
-
-TEST(StartUp, NoFolderGivesNoPathsAndExportSaysHowToSetOne) {
-  EXPECT_FALSE(start_up({}).TEMP_XML_FILE.has_value());
-  EnvGuard no_home("HOME", nullptr);
-  EnvGuard no_xdg("XDG_DATA_HOME", nullptr);
-  EXPECT_TRUE(application_support_folders().empty());
 }
 
 TEST(StartUp, FolderLookupPrefersAnAbsoluteXdgDataHomeAndExpandsTilde) {
+  EXPECT_FALSE(start_up({}).TEMP_XML_FILE.has_value());
   EnvGuard home("HOME", "/home/editor");
-  {
-    EnvGuard xdg("XDG_DATA_HOME", "/data/share");
-    EXPECT_EQ(application_support_folders(), std::vector<std::string>{"/data/share"});
+  const std::pair<const char*, const char*> lookups[] = {
+      {"/data/share", "/data/share"}, {"relative/share", "/home/editor/.local/share"}};
+  for (const auto& [xdg, folder] : lookups) {
+    EnvGuard data("XDG_DATA_HOME", xdg);
+    EXPECT_EQ(application_support_folders(), std::vector<std::string>{folder});
   }
-  {
-    EnvGuard xdg("XDG_DATA_HOME", "relative/share");
-    EXPECT_EQ(application_support_folders(),
-              std::vector<std::string>{"/home/editor/.local/share"});
-  }
-  EXPECT_EQ(expand_tilde("~/x"), "/home/editor/x");
-  EXPECT_EQ(expand_tilde("~"), "/home/editor");
-  EXPECT_EQ(expand_tilde("~other/x"), "~other/x");
-  EXPECT_EQ(expand_tilde("/abs/~"), "/abs/~");
+  EXPECT_EQ(expand_tilde("~/x") + " " + expand_tilde("~") + " " + expand_tilde("~other/x") + " " +
+                expand_tilde("/abs/~"),
+            "/home/editor/x /home/editor ~other/x /abs/~");
+  EnvGuard no_home("HOME", nullptr);
+  EnvGuard no_data("XDG_DATA_HOME", nullptr);
+  EXPECT_TRUE(application_support_folders().empty());
 }
 
 TEST(FrameRates, LookupMatchesFlagAndTimebaseExactly) {
