@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -36,19 +35,15 @@ TempDir::~TempDir() {
 }
 
 EnvGuard::EnvGuard(const char* name, const char* value) : name_(name) {
-  const char* old = std::getenv(name);
-  had_value_ = old != nullptr;
-  if (had_value_) old_value_ = old;
-  if (value != nullptr) {
-    ::setenv(name, value, 1);
-  } else {
-    ::unsetenv(name);
-  }
+  if (const char* old = std::getenv(name)) old_value_ = old;
+  set(value);
 }
 
-EnvGuard::~EnvGuard() {
-  if (had_value_) {
-    ::setenv(name_.c_str(), old_value_.c_str(), 1);
+EnvGuard::~EnvGuard() { set(old_value_ ? old_value_->c_str() : nullptr); }
+
+void EnvGuard::set(const char* value) const {
+  if (value != nullptr) {
+    ::setenv(name_.c_str(), value, 1);
   } else {
     ::unsetenv(name_.c_str());
   }
@@ -90,34 +85,21 @@ std::string texts(const xml::Document& doc, const char* path) {
 
 CommandResult run_command(const std::vector<std::string>& argv,
                           const std::vector<std::string>& environment) {
-  // Assignments given here replace the inherited ones of the same name.
-  std::vector<std::string> assignments = environment;
-  for (char** inherited = environ; *inherited != nullptr; ++inherited) {
-    const std::string assignment = *inherited;
-    const std::string name = assignment.substr(0, assignment.find('=') + 1);
-    if (std::none_of(environment.begin(), environment.end(),
-                     [&name](const std::string& given) { return given.rfind(name, 0) == 0; })) {
-      assignments.push_back(assignment);
-    }
-  }
-  const auto pointers = [](std::vector<std::string>& texts) {
-    std::vector<char*> list;
-    for (auto& text : texts) list.push_back(text.data());
-    list.push_back(nullptr);
-    return list;
-  };
-  std::vector<std::string> args = argv;
+  // env(1) puts the assignments over the inherited environment.
+  std::vector<std::string> words{"/usr/bin/env"};
+  words.insert(words.end(), environment.begin(), environment.end());
+  words.insert(words.end(), argv.begin(), argv.end());
+  std::vector<char*> args;
+  for (auto& word : words) args.push_back(word.data());
+  args.push_back(nullptr);
   const TempDir captured;
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, captured.file("out").c_str(),
-                                   O_WRONLY | O_CREAT, 0600);
-  posix_spawn_file_actions_addopen(&actions, 2, captured.file("err").c_str(),
-                                   O_WRONLY | O_CREAT, 0600);
+  posix_spawn_file_actions_addopen(&actions, 1, captured.file("out").c_str(), O_WRONLY | O_CREAT, 0600);
+  posix_spawn_file_actions_addopen(&actions, 2, captured.file("err").c_str(), O_WRONLY | O_CREAT, 0600);
   pid_t pid = 0;
   int status = 0;
-  const bool started = posix_spawn(&pid, args[0].c_str(), &actions, nullptr,
-                                   pointers(args).data(), pointers(assignments).data()) == 0;
+  const bool started = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ) == 0;
   posix_spawn_file_actions_destroy(&actions);
   if (!started || ::waitpid(pid, &status, 0) != pid) return {};
   return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),

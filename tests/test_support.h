@@ -3,6 +3,7 @@
 // quillory binary.
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,9 +35,9 @@ class EnvGuard {
   EnvGuard& operator=(const EnvGuard&) = delete;
 
  private:
+  void set(const char* value) const;
   std::string name_;
-  bool had_value_;
-  std::string old_value_;
+  std::optional<std::string> old_value_;
 };
 
 void write_file(const std::filesystem::path& path, const std::string& bytes);

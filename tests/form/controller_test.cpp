@@ -23,17 +23,13 @@ struct Box : Checkbox {
   int state() const override { return value; }
   int value = 0;
 };
-struct Icon : IconView {
+struct Display : IconView, TextLabel {
   void setHidden(bool value) override { hidden = value; }
   void setToolTip(const std::string& text) override { tool_tip = text; }
+  void setStringValue(const std::string& text) override { shown = text; }
   void setNeedsDisplay(bool) override {}
   bool hidden = true;
-  std::string tool_tip;
-};
-struct Label : TextLabel {
-  void setStringValue(const std::string& text) override { value = text; }
-  void setNeedsDisplay(bool) override {}
-  std::string value;
+  std::string tool_tip, shown;
 };
 
 class ControllerTest : public ::testing::Test {
@@ -42,44 +38,42 @@ class ControllerTest : public ::testing::Test {
     test::write_file(dir.file(name), test::xmeml(body));
     return dir.file(name);
   }
+
   test::TempDir dir;
   Menu templates, choices[5];
   Field name, labels[5];
   Box tcr;
-  Icon icon;
-  Label file_name;
+  Display display;
   RecordingSink out;
   std::string output = dir.file("Quillory.xml");
   Controller controller{Form{templates, name, labels[0], labels[1], labels[2], labels[3],
                              labels[4], choices[0], choices[1], choices[2], choices[3],
-                             choices[4], tcr, icon, file_name},
+                             choices[4], tcr, display, display},
                         out, OutputPaths{dir.path().string(), output}};
 };
 
 TEST_F(ControllerTest, OpenShowsTheDocumentAndReplacesTheFields) {
-  const std::string path = write("Edit 1.xml", media_clip("A", "f", 5, file_definition("f", "a.mov")) +
-                                                   media_clip("B", "f", 5));
+  const std::string path =
+      write("Edit 1.xml", media_clip("A", "f", 5, file_definition("f", "a.mov")) + media_clip("B", "f", 5));
   EXPECT_EQ(controller.get_info_from_clips(path), std::vector<std::string>{"PAL (25fps)"});
-  EXPECT_FALSE(icon.hidden);
-  EXPECT_EQ(icon.tool_tip, path);
-  EXPECT_EQ(file_name.value, "Edit 1.xml");
+  EXPECT_FALSE(display.hidden);
+  EXPECT_EQ(display.tool_tip, path);
+  EXPECT_EQ(display.shown, "Edit 1.xml");
   EXPECT_EQ(controller.fields().templates_array.at(0).name, "Default");
   EXPECT_EQ(controller.fields().clips_array.size(), 2U);
 
-  // A document that is not xmeml changes nothing; one that breaks off shows itself and keeps
-  // what came before the failing clip.
+  // A document that is not xmeml, or cannot be read, changes nothing; one that breaks off
+  // shows itself and keeps what came before the failing clip.
   test::write_file(dir.file("project.xml"), "<project><clip/></project>");
   EXPECT_FALSE(controller.get_info_from_clips(dir.file("project.xml")));
-  EXPECT_EQ(file_name.value, "Edit 1.xml");
+  EXPECT_THROW(controller.get_info_from_clips(dir.file("missing.xml")), std::runtime_error);
+  EXPECT_EQ(display.shown, "Edit 1.xml");
   EXPECT_EQ(controller.fields().clips_array.size(), 2U);
   const std::string broken = write("broken.xml", media_clip("C", "f", 5, file_definition("f", "c.mov")) +
                                                      media_clip("D", "f", 5, "", "true", 24));
   EXPECT_THROW(controller.get_info_from_clips(broken), std::runtime_error);
-  EXPECT_EQ(file_name.value, "broken.xml");
-  EXPECT_EQ(controller.fields().clips_array.size(), 2U);
-  EXPECT_EQ(controller.fields().clips_array[0].clip_name, "C");
-  EXPECT_THROW(controller.get_info_from_clips(dir.file("missing.xml")), std::runtime_error);
-  EXPECT_EQ(file_name.value, "broken.xml");
+  EXPECT_EQ(display.shown, "broken.xml");
+  EXPECT_EQ(controller.fields().clips_array.at(0).clip_name, "C");
 }
 
 TEST_F(ControllerTest, CreateReadsTheControlsAtEachRun) {
@@ -93,15 +87,14 @@ TEST_F(ControllerTest, CreateReadsTheControlsAtEachRun) {
   EXPECT_FALSE(settings.template_name);
   EXPECT_EQ(settings.sequence_name + settings.ntsc + std::to_string(settings.timebase), "Day 1FALSE25");
   EXPECT_EQ(settings.lines[2].label + *settings.lines[2].choice, "hiText");
-  EXPECT_FALSE(settings.lines[0].choice);
-  EXPECT_FALSE(settings.timecode_reader);
+  EXPECT_FALSE(settings.lines[0].choice || settings.timecode_reader);
   templates.selected = "Slate";
   tcr.value = 1;
   settings = read_title_settings(controller.form(), controller.fields());
-  EXPECT_EQ(settings.template_name, "Slate");
-  EXPECT_TRUE(settings.timecode_reader);
+  EXPECT_TRUE(settings.template_name == "Slate" && settings.timecode_reader);
   controller.create_fcp_xml();
-  EXPECT_EQ(test::texts(test::parse(test::read_file(output)), "//sequence/name | //generatoritem/effect/parameter[1]/value"),
+  EXPECT_EQ(test::texts(test::parse(test::read_file(output)),
+                        "//sequence/name | //generatoritem/effect/parameter[1]/value"),
             "Day 1|hi\r|");
 }
 
