@@ -10,7 +10,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <random>
 #include <sstream>
 
 #include "xml/read_xml.h"
@@ -21,16 +20,12 @@ extern char** environ;
 namespace quillory::test {
 
 TempDir::TempDir() {
-  std::random_device random;
-  path_ = std::filesystem::temp_directory_path() /
-          ("quillory-test-" + std::to_string(::getpid()) + "-" + std::to_string(random()));
-  std::filesystem::create_directories(path_);
+  std::string pattern = (std::filesystem::temp_directory_path() / "quillory-test-XXXXXX").string();
+  path_ = ::mkdtemp(pattern.data());
 }
 
 TempDir::~TempDir() {
   std::error_code ignored;
-  std::filesystem::permissions(path_, std::filesystem::perms::owner_all,
-                               std::filesystem::perm_options::add, ignored);
   std::filesystem::remove_all(path_, ignored);
 }
 

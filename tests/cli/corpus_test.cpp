@@ -41,14 +41,6 @@ const std::map<std::string, std::string>& recorded_outcomes() {
   return outcomes;
 }
 
-test::CommandResult run_quillory(const fs::path& source, const test::TempDir& dir,
-                                 const std::vector<std::string>& options = {}) {
-  std::vector<std::string> argv{QUILLORY_BINARY, "--output", dir.file("out.xml"), "--tcr"};
-  argv.insert(argv.end(), options.begin(), options.end());
-  argv.push_back(source.string());
-  return test::run_command(argv, {"XDG_DATA_HOME=" + dir.path().string()});
-}
-
 TEST(Corpus, EveryRealExportOpensAndExportsOrIsRefusedClearly) {
   if (!fs::is_directory(QUILLORY_CORPUS_DIR)) GTEST_SKIP() << "no corpus beside the project";
   std::size_t seen = 0;
@@ -60,7 +52,9 @@ TEST(Corpus, EveryRealExportOpensAndExportsOrIsRefusedClearly) {
     const auto recorded = recorded_outcomes().find(name);
     ASSERT_NE(recorded, recorded_outcomes().end()) << "record the outcome of the new file";
     test::TempDir dir;
-    const auto result = run_quillory(entry.path(), dir);
+    const auto result = test::run_command(
+        {QUILLORY_BINARY, "--output", dir.file("out.xml"), "--tcr", entry.path().string()},
+        {"XDG_DATA_HOME=" + dir.path().string()});
     EXPECT_EQ(result.out.rfind("opening...\n", 0), 0U);
     if (recorded->second.empty()) {
       EXPECT_EQ(result.exit_code, 0) << result.err;
@@ -82,18 +76,6 @@ TEST(Corpus, EveryRealExportOpensAndExportsOrIsRefusedClearly) {
     EXPECT_FALSE(fs::exists(dir.file("out.xml")));
   }
   EXPECT_EQ(seen, recorded_outcomes().size());
-}
-
-TEST(Corpus, ExampleDailiesGiveOneTitlePerMediaClip) {
-  test::TempDir dir;
-  const auto result = run_quillory(fs::path(QUILLORY_EXAMPLES_DIR) / "dailies.xml", dir,
-                                   {"--template", "Slate Card"});
-  ASSERT_EQ(result.exit_code, 0) << result.err;
-  EXPECT_EQ(test::texts(test::parse(test::read_file(dir.file("out.xml"))),
-                        "count(//video/track[1]/clipitem) + 100 * count(//video/track[2]/generatoritem"
-                        "/effect[effectid='Outline Text']) + 10000 * count(//video/track[1]/clipitem/"
-                        "filter/effect[effectid='Timecode Reader'])"),
-            "121212|");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "startup/startup.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <system_error>
@@ -18,16 +17,14 @@ using test::TempDir;
 
 TEST(StartUp, CreatesFerncroftOnceAndFixesBothPaths) {
   TempDir dir;
-  const std::string support = dir.path().string();
-  const OutputPaths paths = start_up({support});
-  EXPECT_EQ(paths.APP_SUPPORT_SUBFOLDER, support + "/Ferncroft");
-  EXPECT_EQ(paths.TEMP_XML_FILE, support + "/Ferncroft/Quillory.xml");
-  EXPECT_TRUE(std::filesystem::is_directory(support + "/Ferncroft"));
+  const std::string folder = dir.file("Ferncroft");
+  const OutputPaths paths = start_up({dir.path().string()});
+  EXPECT_EQ(*paths.APP_SUPPORT_SUBFOLDER + " " + *paths.TEMP_XML_FILE,
+            folder + " " + folder + "/Quillory.xml");
   EXPECT_FALSE(std::filesystem::exists(*paths.TEMP_XML_FILE));
-
-  test::write_file(support + "/Ferncroft/keep.txt", "mine");
-  EXPECT_EQ(start_up({support}).TEMP_XML_FILE, paths.TEMP_XML_FILE);
-  EXPECT_EQ(test::read_file(support + "/Ferncroft/keep.txt"), "mine");
+  test::write_file(folder + "/keep.txt", "mine");
+  EXPECT_EQ(start_up({dir.path().string()}).TEMP_XML_FILE, paths.TEMP_XML_FILE);
+  EXPECT_EQ(test::read_file(folder + "/keep.txt"), "mine");
 }
 
 TEST(StartUp, CreationFailureNamesThePathAndTheSystemReason) {
