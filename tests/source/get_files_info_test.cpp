@@ -16,36 +16,30 @@ std::vector<MediaFileRecord> catalogue(const std::string& files) {
   return get_files_info(xml::XPathQuery("//file").all(xml::as_node(doc.get())), out);
 }
 
-std::optional<DateTime> time_of(const std::string& metadata_entries) {
-  return catalogue(file_definition("f", "a.mov", "", "", metadata_entries)).at(0).time;
-}
-
-TEST(GetFilesInfo, LastQualifyingEntryDecidesWithoutApplyingTheZone) {
+TEST(GetFilesInfo, RecordingTimeComesFromTheLastQualifyingEntryWithoutItsZone) {
   const auto creation = metadata("com.apple.quicktime.creationdate", "2010-03-13T14:05:09-08:00");
   const auto update = metadata("com.sony.lastupdate", "2011-01-27 15:22:20 +0100");
-  EXPECT_EQ(time_of(creation + update), (DateTime{2011, 1, 27, 15, 22, 20}));
-  EXPECT_EQ(time_of(update + creation), (DateTime{2010, 3, 13, 14, 5, 9}));
-  EXPECT_EQ(time_of(metadata("creationdate", "2012-02-22T15:50:56+0100")),
-            (DateTime{2012, 2, 22, 15, 50, 56}));
-  EXPECT_EQ(time_of(metadata("x.creationtime", "2011-10-25 13:46:34 +0000")),
-            (DateTime{2011, 10, 25, 13, 46, 34}));
-  EXPECT_EQ(time_of(metadata("x.creationdate.", "2010-03-13")), (DateTime{2010, 3, 13, 0, 0, 0}));
-  EXPECT_FALSE(time_of(metadata("x.CreationDate", "2010-03-13")));
-  EXPECT_FALSE(time_of(metadata("x.duration", "not a date")));
-}
-
-TEST(GetFilesInfo, RedLocalDatePairsWithTheLocalTimeOfTheSameFile) {
-  const auto date = metadata("com.red.ltplugin.localDate", "20100313");
-  EXPECT_EQ(time_of(date + metadata("com.red.ltplugin.localTime", "140509")),
-            (DateTime{2010, 3, 13, 14, 5, 9}));
-  EXPECT_EQ(time_of(metadata("com.red.ltplugin.localTime", "1405") + date),
-            (DateTime{2010, 3, 13, 14, 5, 0}));
-  const auto result = catalogue(
-      file_definition("a", "a.r3d", "", "", date) +
-      file_definition("b", "b.r3d", "", "", metadata("com.red.ltplugin.localTime", "140509")));
-  EXPECT_FALSE(result[0].time);
-  const auto earlier = metadata("creationdate", "2009-01-01T10:00:00Z");
-  EXPECT_EQ(time_of(earlier + date), (DateTime{2009, 1, 1, 10, 0, 0}));
+  const auto red_date = metadata("com.red.ltplugin.localDate", "20100313");
+  const auto red_time = metadata("com.red.ltplugin.localTime", "140509");
+  const std::pair<std::string, std::string> entries[] = {
+      {creation + update, "2011-01-27 15:22:20 UTC"},
+      {update + creation, "2010-03-13 14:05:09 UTC"},
+      {metadata("creationdate", "2012-02-22T15:50:56+0100"), "2012-02-22 15:50:56 UTC"},
+      {metadata("x.creationtime", "2011-10-25 13:46:34 +0000"), "2011-10-25 13:46:34 UTC"},
+      {metadata("x.creationdate.", "2010-03-13"), "2010-03-13 00:00:00 UTC"},
+      {metadata("x.CreationDate", "2010-03-13") + metadata("x.duration", "not a date"), "none"},
+      // A RED camera's local date takes its time of day from the same file's local time.
+      {red_date + red_time, "2010-03-13 14:05:09 UTC"},
+      {metadata("com.red.ltplugin.localTime", "1405") + red_date, "2010-03-13 14:05:00 UTC"},
+      {metadata("creationdate", "2009-01-01T10:00:00Z") + red_date, "2009-01-01 10:00:00 UTC"},
+  };
+  for (const auto& [metadata_entries, time] : entries) {
+    const auto found = catalogue(file_definition("f", "a.mov", "", "", metadata_entries)).at(0).time;
+    EXPECT_EQ(found ? to_string(*found) : "none", time) << metadata_entries;
+  }
+  const auto apart = catalogue(file_definition("a", "a.r3d", "", "", red_date) +
+                               file_definition("b", "b.r3d", "", "", red_time));
+  EXPECT_FALSE(apart[0].time) << "a local time of another file is not used";
 }
 
 TEST(GetFilesInfo, BrokenDefinitionsFailNamingTheElementAndLine) {

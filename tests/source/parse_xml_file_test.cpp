@@ -52,13 +52,12 @@ TEST_F(Loading, StructuralFaultGoesThroughAllThreeParses) {
 }
 
 TEST_F(Loading, UnreadableOrEmptySourceFailsNamingThePath) {
-  const std::string missing = dir.file("missing.xml");
   try {
-    parse_xml_file(missing, out);
+    parse_xml_file(dir.file("missing.xml"), out);
     ADD_FAILURE() << "expected an error";
   } catch (const std::system_error& error) {
     EXPECT_EQ(error.code().value(), ENOENT);
-    EXPECT_NE(std::string(error.what()).find(missing), std::string::npos);
+    EXPECT_NE(std::string(error.what()).find(dir.file("missing.xml")), std::string::npos);
   }
   EXPECT_TRUE(out.lines.empty());
   test::write_file(dir.file("empty.xml"), "");

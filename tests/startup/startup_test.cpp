@@ -15,7 +15,7 @@ namespace {
 using test::EnvGuard;
 using test::TempDir;
 
-TEST(StartUp, CreatesFerncroftOnceAndFixesBothPaths) {
+TEST(StartUp, CreatesFerncroftOnceOrStopsWithTheSystemsReason) {
   TempDir dir;
   const std::string folder = dir.file("Ferncroft");
   const OutputPaths paths = start_up({dir.path().string()});
@@ -25,13 +25,9 @@ TEST(StartUp, CreatesFerncroftOnceAndFixesBothPaths) {
   test::write_file(folder + "/keep.txt", "mine");
   EXPECT_EQ(start_up({dir.path().string()}).TEMP_XML_FILE, paths.TEMP_XML_FILE);
   EXPECT_EQ(test::read_file(folder + "/keep.txt"), "mine");
-}
 
-TEST(StartUp, CreationFailureNamesThePathAndTheSystemReason) {
-  TempDir dir;
-  test::write_file(dir.file("Ferncroft"), "a file, not a folder");
-  for (const auto& [parent, reason] : {std::pair{dir.path().string(), EEXIST},
-                                       std::pair{dir.file("no/such/parent"), ENOENT}}) {
+  test::write_file(folder + "/Ferncroft", "a file, not a folder");
+  for (const auto& [parent, reason] : {std::pair{folder, EEXIST}, std::pair{dir.file("no/parent"), ENOENT}}) {
     try {
       start_up({parent});
       ADD_FAILURE() << "expected an error for " << parent;
@@ -45,9 +41,8 @@ TEST(StartUp, CreationFailureNamesThePathAndTheSystemReason) {
 TEST(StartUp, FolderLookupPrefersAnAbsoluteXdgDataHomeAndExpandsTilde) {
   EXPECT_FALSE(start_up({}).TEMP_XML_FILE.has_value());
   EnvGuard home("HOME", "/home/editor");
-  const std::pair<const char*, const char*> lookups[] = {
-      {"/data/share", "/data/share"}, {"relative/share", "/home/editor/.local/share"}};
-  for (const auto& [xdg, folder] : lookups) {
+  for (const auto& [xdg, folder] : {std::pair{"/data/share", "/data/share"},
+                                    std::pair{"relative/share", "/home/editor/.local/share"}}) {
     EnvGuard data("XDG_DATA_HOME", xdg);
     EXPECT_EQ(application_support_folders(), std::vector<std::string>{folder});
   }
