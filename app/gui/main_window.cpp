@@ -23,12 +23,12 @@
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
-#include <iostream>
 
 #include "document_bar.h"
 #include "form_panel.h"
 #include "form_settings.h"
 #include "log_pane.h"
+#include "operation_progress.h"
 #include "output_bar.h"
 #include "title_preview.h"
 #include "titles/create_fcp_xml.h"
@@ -36,9 +36,6 @@
 
 namespace quillory::gui {
 namespace {
-
-// How long an operation may keep the window from repainting.
-constexpr int kEventIntervalMs = 50;
 
 std::string local_path(const QString& path) {
   return QFile::encodeName(path).toStdString();
@@ -58,29 +55,20 @@ QString dropped_document(const QMimeData* mime) {
 }  // namespace
 
 // Locks the form for one operation and gives it back afterwards, whatever way the operation
-// ends. Events still flow (see letEventsThrough), so input must not reach the form meanwhile.
+// ends. Events still flow (see OperationProgress), so input must not reach the form meanwhile.
 class MainWindow::BusyScope {
  public:
   BusyScope(MainWindow& window, const QString& message, long long expected_lines)
       : window_(window), focus_(QApplication::focusWidget()) {
     window_.busy_ = true;
-    window_.lines_seen_ = 0;
-    window_.lines_expected_ = expected_lines;
     window_.centralWidget()->setEnabled(false);
     window_.updateActions();
     QApplication::setOverrideCursor(Qt::BusyCursor);
     window_.statusBar()->showMessage(message);
-    window_.progress_->setRange(0, expected_lines > 0 ? static_cast<int>(expected_lines) : 0);
-    window_.progress_->setValue(0);
-    window_.progress_->show();
-    // Loading a document starts with one long parse that lets no events through, so the busy
-    // state is drawn now, before the work starts.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    window_.since_events_.start();
+    window_.progress_->start(expected_lines);
   }
   ~BusyScope() {
-    window_.log_->flush();
-    window_.progress_->hide();
+    window_.progress_->finish();
     QApplication::restoreOverrideCursor();
     window_.centralWidget()->setEnabled(true);
     window_.busy_ = false;
@@ -96,9 +84,7 @@ class MainWindow::BusyScope {
 };
 
 MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
-    : QMainWindow(parent),
-      sink_([this](std::string_view text) { writeLine(text); }),
-      paths_(std::move(paths)) {
+    : QMainWindow(parent), paths_(std::move(paths)) {
   setWindowTitle(tr("Quillory"));
   setWindowIcon(style()->standardIcon(QStyle::SP_FileIcon));
   setAcceptDrops(true);
@@ -149,11 +135,12 @@ void MainWindow::buildWidgets() {
   layout->addLayout(run_row);
   layout->addWidget(log_);
 
-  progress_ = new QProgressBar(this);
-  progress_->setObjectName(QStringLiteral("progress"));
-  progress_->setMaximumWidth(fontMetrics().averageCharWidth() * 30);
-  progress_->hide();
-  statusBar()->addPermanentWidget(progress_);
+  auto* bar = new QProgressBar(this);
+  bar->setObjectName(QStringLiteral("progress"));
+  bar->setMaximumWidth(fontMetrics().averageCharWidth() * 30);
+  bar->hide();
+  statusBar()->addPermanentWidget(bar);
+  progress_ = std::make_unique<OperationProgress>(*log_, *bar);
 }
 
 void MainWindow::buildMenus() {
@@ -209,7 +196,7 @@ bool MainWindow::openDocument(const QString& path) {
   OpenedSource opened;
   {
     const BusyScope busy(*this, tr("Opening %1…").arg(name), 0);
-    opened = get_info_from_clips(local_path(path), built_in_template(), sink_);
+    opened = get_info_from_clips(local_path(path), built_in_template(), *progress_);
   }
   const QString error = QString::fromStdString(opened.error);
   switch (opened.status) {
@@ -261,7 +248,7 @@ bool MainWindow::createTitles() {
     const BusyScope busy(*this, tr("Creating titles…"), expected);
     try {
       create_fcp_xml(source_.templates, source_.clips, form_->settings(), paths_.TEMP_XML_FILE,
-                     sink_);
+                     *progress_);
     } catch (const std::exception& failure) {
       error = QString::fromStdString(failure.what());
     }
@@ -293,23 +280,6 @@ void MainWindow::updateActions() {
   create_button_->setEnabled(source_complete_ && !busy_);
   create_action_->setEnabled(source_complete_ && !busy_);
   open_action_->setEnabled(!busy_);
-}
-
-void MainWindow::writeLine(std::string_view text) {
-  std::cout << text << '\n' << std::flush;
-  log_->append(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
-  ++lines_seen_;
-  letEventsThrough();
-}
-
-void MainWindow::letEventsThrough() {
-  if (!busy_ || since_events_.elapsed() < kEventIntervalMs) return;
-  log_->flush();
-  if (lines_expected_ > 0) {
-    progress_->setValue(static_cast<int>(std::min(lines_seen_, lines_expected_)));
-  }
-  QCoreApplication::processEvents();
-  since_events_.restart();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

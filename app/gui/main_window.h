@@ -1,19 +1,15 @@
 #pragma once
 // The Quillory window: the document it shows, the form panel, the preview, and the two
 // actions, opening a source document and creating titles, each calling the core once.
-// Operations run on this thread; while one runs, the form is locked and events are let through
-// as its output lines arrive, so the window repaints and shows progress.
+// Operations run on this thread; while one runs, the form is locked.
 
-#include <QElapsedTimer>
 #include <QMainWindow>
-#include <string_view>
+#include <memory>
 
 #include "source/get_info_from_clips.h"
 #include "startup/startup.h"
-#include "xml/line_sink.h"
 
 class QAction;
-class QProgressBar;
 class QPushButton;
 
 namespace quillory::gui {
@@ -21,6 +17,7 @@ namespace quillory::gui {
 class DocumentBar;
 class FormPanel;
 class LogPane;
+class OperationProgress;
 class OutputBar;
 class TitlePreview;
 
@@ -60,10 +57,6 @@ class MainWindow : public QMainWindow {
   void showDocument(OpenedSource opened, const QString& path);
   QString suggestedCopy() const;
   void updateActions();
-  void writeLine(std::string_view text);
-  void letEventsThrough();
-
-  CallbackSink sink_;
   OutputPaths paths_;
   // What the last open that got past the xmeml check read; titles are created from it only
   // when it was read whole.
@@ -76,15 +69,13 @@ class MainWindow : public QMainWindow {
   OutputBar* output_ = nullptr;
   TitlePreview* preview_ = nullptr;
   LogPane* log_ = nullptr;
-  QProgressBar* progress_ = nullptr;
   QAction* open_action_ = nullptr;
   QAction* create_action_ = nullptr;
 
   QString last_folder_;
   bool busy_ = false;
-  long long lines_expected_ = 0;
-  long long lines_seen_ = 0;
-  QElapsedTimer since_events_;
+  // Writes to the log pane and the progress bar, which the window owns.
+  std::unique_ptr<OperationProgress> progress_;
 };
 
 }  // namespace quillory::gui

@@ -1,7 +1,7 @@
 #pragma once
-// The window controls that the system reads and updates, as plain interfaces: a host
-// implements them over its toolkit's widgets, tests and the command line over plain values.
-// The operation names are those of the controls the system was designed against.
+// The window controls that the controller's operations read and update, as plain interfaces
+// that a host may implement over its toolkit's widgets (the tests do over plain values). The
+// operation names are those of the controls the system was designed against.
 
 #include <optional>
 #include <string>
