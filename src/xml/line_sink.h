@@ -2,7 +2,6 @@
 // Where the system's own output lines go. The host hands one to the core: the command line
 // writes them to standard output, the window also shows them in its log pane.
 
-#include <functional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -39,17 +38,6 @@ class RecordingSink : public LineSink {
  public:
   void line(std::string_view text) override { lines.emplace_back(text); }
   std::vector<std::string> lines;
-};
-
-// Hands every line to a callback (a host's log view, or several sinks at once).
-class CallbackSink : public LineSink {
- public:
-  explicit CallbackSink(std::function<void(std::string_view)> callback)
-      : callback_(std::move(callback)) {}
-  void line(std::string_view text) override { callback_(text); }
-
- private:
-  std::function<void(std::string_view)> callback_;
 };
 
 }  // namespace quillory
