@@ -65,6 +65,9 @@ void add_options(CLI::App& app, Options& options) {
       ->needs(list);
   app.add_flag("--preview", options.preview, "print every clip's title text; write nothing");
   app.add_flag("--quiet", options.quiet, "leave out the progress lines");
+  app.add_flag("--tolerant", options.tolerant,
+               "accept incomplete exports (master clips without <start>/<end>, logging or a "
+               "video item, more than 4 audio items, ...): assume what is missing and warn");
   app.set_version_flag("--version", "quillory " QUILLORY_VERSION);
   app.footer("Choice titles for --line1 ... --line5:" + quoted_list(CHOICE_TITLES) +
              "\nRates for --rate:" + rate_names() +
@@ -83,6 +86,7 @@ TitleSettings title_settings(const Options& options, const OpenedSource& opened)
         options.lines[i].empty() ? std::nullopt : std::optional<std::string>(options.lines[i]);
   }
   settings.timecode_reader = options.tcr;
+  settings.tolerant = options.tolerant;
   return settings;
 }
 

@@ -30,6 +30,7 @@ struct Options {
   bool json = false;
   bool preview = false;
   bool quiet = false;
+  bool tolerant = false;
 };
 
 // Declares every option on `app`, bound to `options`.

@@ -11,12 +11,21 @@
 #include "startup/startup.h"
 #include "titles/create_fcp_xml.h"
 #include "titles/sequence_templates.h"
+#include "xml/failure.h"
 
 namespace {
 
 using quillory::cli::ExitCode;
 
 int status(ExitCode code) { return static_cast<int>(code); }
+
+// Follows every error that --tolerant would have taken with an assumption.
+constexpr const char* kTolerantHint = " (--tolerant accepts this)";
+
+void print_report(const quillory::AssumptionReport& report) {
+  for (const auto& warning : report.warnings) std::cerr << warning << "\n";
+  if (!report.summary.empty()) std::cerr << report.summary << "\n";
+}
 
 // The progress lines go to standard output, unless that carries what the user asked to see.
 std::unique_ptr<quillory::LineSink> progress_sink(const quillory::cli::Options& options) {
@@ -29,7 +38,8 @@ int run(const quillory::cli::Options& options) {
   const auto progress = progress_sink(options);
   const quillory::OutputPaths paths = quillory::start_up();
   const quillory::OpenedSource opened =
-      quillory::get_info_from_clips(options.source, quillory::built_in_template(), *progress);
+      quillory::get_info_from_clips(options.source, quillory::built_in_template(),
+                                    options.tolerant, *progress);
   switch (opened.status) {
     case quillory::OpenStatus::Opened:
       break;
@@ -39,7 +49,7 @@ int run(const quillory::cli::Options& options) {
       return status(ExitCode::Failed);
     case quillory::OpenStatus::Unreadable:
     case quillory::OpenStatus::Broken:
-      std::cerr << opened.error << "\n";
+      std::cerr << opened.error << (opened.incomplete ? kTolerantHint : "") << "\n";
       return status(ExitCode::Failed);
   }
   const quillory::TitleSettings settings = quillory::cli::title_settings(options, opened);
@@ -49,14 +59,16 @@ int run(const quillory::cli::Options& options) {
     } else {
       quillory::cli::print_listing(opened, std::cout);
     }
+    print_report(quillory::report_assumptions(opened.templates, opened.clips));
     return status(ExitCode::Success);
   }
   if (options.preview) {
     quillory::cli::print_preview(opened.clips, settings.lines, std::cout);
+    print_report(quillory::report_assumptions(opened.templates, opened.clips));
     return status(ExitCode::Success);
   }
   const auto path = options.output ? options.output : paths.TEMP_XML_FILE;
-  quillory::create_fcp_xml(opened.templates, opened.clips, settings, path, *progress);
+  print_report(quillory::create_fcp_xml(opened.templates, opened.clips, settings, path, *progress));
   std::cerr << "quillory: wrote " << *path << "\n";
   return status(ExitCode::Success);
 }
@@ -80,6 +92,9 @@ int main(int argc, char** argv) {
   }
   try {
     return run(options);
+  } catch (const quillory::IncompleteInput& error) {
+    std::cerr << error.what() << kTolerantHint << "\n";
+    return status(ExitCode::Failed);
   } catch (const std::exception& error) {
     std::cerr << error.what() << "\n";
     return status(ExitCode::Failed);

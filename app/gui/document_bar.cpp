@@ -1,5 +1,6 @@
 #include "document_bar.h"
 
+#include <QCheckBox>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -11,10 +12,16 @@ namespace quillory::gui {
 DocumentBar::DocumentBar(QWidget* parent)
     : QWidget(parent),
       open_(new QPushButton(tr("&Open…"), this)),
+      tolerant_(new QCheckBox(tr("Accept incomplete exports"), this)),
       icon_(new QLabel(this)),
       file_name_(new QLabel(tr("No document open"), this)) {
   open_->setObjectName(QStringLiteral("openButton"));
   open_->setToolTip(tr("Choose a Final Cut Pro XML (xmeml) export"));
+  tolerant_->setObjectName(QStringLiteral("tolerantCheckbox"));
+  tolerant_->setToolTip(
+      tr("Open master-clip exports that lack timing, logging, a video item or a known rate, or "
+         "have more than four audio items, assuming what is missing; the log lists every "
+         "assumption"));
   icon_->setObjectName(QStringLiteral("xmlIcon"));
   const int icon_size = style()->pixelMetric(QStyle::PM_LargeIconSize);
   icon_->setPixmap(style()->standardIcon(QStyle::SP_FileIcon).pixmap(icon_size, icon_size));
@@ -29,6 +36,14 @@ DocumentBar::DocumentBar(QWidget* parent)
   layout->addWidget(open_);
   layout->addWidget(icon_);
   layout->addWidget(file_name_, 1);
+  layout->addWidget(tolerant_);
+}
+
+bool DocumentBar::tolerant() const { return tolerant_->isChecked(); }
+
+QString DocumentBar::tolerantHint() const {
+  return tr("\n\n“%1” takes this: tick it to read the document with what is missing assumed.")
+      .arg(tolerant_->text());
 }
 
 void DocumentBar::showDocument(const QString& path) {

@@ -46,6 +46,13 @@ void LogPane::flush() {
   pending_.clear();
 }
 
+void LogPane::showWarnings(const std::vector<std::string>& warnings) {
+  if (warnings.empty()) return;
+  for (const auto& warning : warnings) append(QString::fromStdString(warning));
+  flush();
+  setExpanded(true);
+}
+
 bool LogPane::isExpanded() const {
   return toggle_->isChecked();
 }

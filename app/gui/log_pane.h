@@ -4,6 +4,8 @@
 
 #include <QStringList>
 #include <QWidget>
+#include <string>
+#include <vector>
 
 class QPlainTextEdit;
 class QToolButton;
@@ -19,6 +21,8 @@ class LogPane : public QWidget {
   void append(const QString& line);
   // Shows the lines collected since the last flush.
   void flush();
+  // Shows warnings at once, opening the pane so that they are seen; none: nothing changes.
+  void showWarnings(const std::vector<std::string>& warnings);
 
   bool isExpanded() const;
   void setExpanded(bool expanded);

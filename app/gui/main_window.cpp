@@ -1,6 +1,7 @@
 #include "main_window.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QApplication>
 #include <QCloseEvent>
@@ -14,7 +15,6 @@
 #include <QHBoxLayout>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSettings>
@@ -24,6 +24,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "busy_scope.h"
 #include "document_bar.h"
 #include "form_panel.h"
 #include "form_settings.h"
@@ -33,6 +34,7 @@
 #include "title_preview.h"
 #include "titles/create_fcp_xml.h"
 #include "titles/sequence_templates.h"
+#include "xml/failure.h"
 
 namespace quillory::gui {
 namespace {
@@ -54,35 +56,6 @@ QString dropped_document(const QMimeData* mime) {
 
 }  // namespace
 
-// Locks the form for one operation and gives it back afterwards, whatever way the operation
-// ends. Events still flow (see OperationProgress), so input must not reach the form meanwhile.
-class MainWindow::BusyScope {
- public:
-  BusyScope(MainWindow& window, const QString& message, long long expected_lines)
-      : window_(window), focus_(QApplication::focusWidget()) {
-    window_.busy_ = true;
-    window_.centralWidget()->setEnabled(false);
-    window_.updateActions();
-    QApplication::setOverrideCursor(Qt::BusyCursor);
-    window_.statusBar()->showMessage(message);
-    window_.progress_->start(expected_lines);
-  }
-  ~BusyScope() {
-    window_.progress_->finish();
-    QApplication::restoreOverrideCursor();
-    window_.centralWidget()->setEnabled(true);
-    window_.busy_ = false;
-    window_.updateActions();
-    if (focus_ && focus_->isEnabled()) focus_->setFocus();
-  }
-  BusyScope(const BusyScope&) = delete;
-  BusyScope& operator=(const BusyScope&) = delete;
-
- private:
-  MainWindow& window_;
-  QPointer<QWidget> focus_;
-};
-
 MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
     : QMainWindow(parent), paths_(std::move(paths)) {
   setWindowTitle(tr("Quillory"));
@@ -97,6 +70,10 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
   });
   connect(document_->openButton(), &QPushButton::clicked, this, &MainWindow::chooseDocument);
   connect(create_button_, &QPushButton::clicked, this, &MainWindow::createTitles);
+  // How a document is read changes what it gives: read the open one again.
+  connect(document_->tolerantBox(), &QCheckBox::toggled, this, [this] {
+    if (!busy_ && !source_path_.isEmpty()) openDocument(source_path_);
+  });
   updateActions();
   statusBar()->showMessage(tr("Open a Final Cut Pro XML export, or drop one on this window."));
 }
@@ -156,7 +133,7 @@ void MainWindow::buildMenus() {
 }
 
 void MainWindow::setTabOrder() {
-  QList<QWidget*> chain{document_->openButton()};
+  QList<QWidget*> chain{document_->openButton(), document_->tolerantBox()};
   chain << form_->controls() << preview_->clipMenu() << create_button_
         << output_->revealButton() << output_->saveCopyButton() << log_->toggleButton();
   for (qsizetype i = 1; i < chain.size(); ++i) QWidget::setTabOrder(chain[i - 1], chain[i]);
@@ -165,6 +142,7 @@ void MainWindow::setTabOrder() {
 void MainWindow::restoreSettings() {
   const FormSettings values = load_form_settings(QSettings());
   form_->restore(values);
+  document_->tolerantBox()->setChecked(values.tolerant);
   last_folder_ = values.last_folder;
   if (values.geometry.isEmpty() || !restoreGeometry(values.geometry)) resize(sizeHint());
 }
@@ -172,6 +150,7 @@ void MainWindow::restoreSettings() {
 void MainWindow::saveSettings() const {
   FormSettings values;
   form_->store(values);
+  values.tolerant = document_->tolerant();
   values.last_folder = last_folder_;
   values.geometry = saveGeometry();
   QSettings settings;
@@ -195,8 +174,9 @@ bool MainWindow::openDocument(const QString& path) {
   const QString name = QFileInfo(path).fileName();
   OpenedSource opened;
   {
-    const BusyScope busy(*this, tr("Opening %1…").arg(name), 0);
-    opened = get_info_from_clips(local_path(path), built_in_template(), *progress_);
+    const BusyScope busy = busyWith(tr("Opening %1…").arg(name), 0);
+    opened = get_info_from_clips(local_path(path), built_in_template(), document_->tolerant(),
+                                 *progress_);
   }
   const QString error = QString::fromStdString(opened.error);
   switch (opened.status) {
@@ -215,22 +195,25 @@ bool MainWindow::openDocument(const QString& path) {
       // document.
       showDocument(std::move(opened), path);
       statusBar()->showMessage(tr("Could not read all of %1; open it again once mended.").arg(name));
-      show_error(this, tr("Could not read all of %1. No titles can be created from it.").arg(name), error);
+      show_error(this, tr("Could not read all of %1. No titles can be created from it.").arg(name),
+                 error + (opened.incomplete ? document_->tolerantHint() : QString()));
       return false;
     case OpenStatus::Opened:
       break;
   }
   showDocument(std::move(opened), path);
-  statusBar()->showMessage(tr("Opened %1: %2 clips, %3 templates.")
-                               .arg(name)
-                               .arg(source_.clips.size())
-                               .arg(source_.templates.size()));
+  showReport(report_assumptions(source_.templates, source_.clips),
+             tr("Opened %1: %2 clips, %3 templates.")
+                 .arg(name)
+                 .arg(source_.clips.size())
+                 .arg(source_.templates.size()));
   return true;
 }
 
 void MainWindow::showDocument(OpenedSource opened, const QString& path) {
   source_ = std::move(opened);
   source_complete_ = source_.status == OpenStatus::Opened;
+  source_path_ = path;
   document_->showDocument(path);
   form_->showDocument(
       source_, QString::fromStdString(sequence_name_for(QFileInfo(path).fileName().toStdString())));
@@ -242,13 +225,18 @@ void MainWindow::showDocument(OpenedSource opened, const QString& path) {
 bool MainWindow::createTitles() {
   if (busy_ || !source_complete_) return false;
   QString error;
+  AssumptionReport report;
   {
     // Two output lines per title.
     const auto expected = static_cast<long long>(source_.clips.size()) * 2;
-    const BusyScope busy(*this, tr("Creating titles…"), expected);
+    const BusyScope busy = busyWith(tr("Creating titles…"), expected);
+    TitleSettings settings = form_->settings();
+    settings.tolerant = document_->tolerant();
     try {
-      create_fcp_xml(source_.templates, source_.clips, form_->settings(), paths_.TEMP_XML_FILE,
-                     *progress_);
+      report = create_fcp_xml(source_.templates, source_.clips, settings, paths_.TEMP_XML_FILE,
+                              *progress_);
+    } catch (const IncompleteInput& failure) {
+      error = QString::fromStdString(failure.what()) + document_->tolerantHint();
     } catch (const std::exception& failure) {
       error = QString::fromStdString(failure.what());
     }
@@ -259,9 +247,15 @@ bool MainWindow::createTitles() {
     return false;
   }
   output_->showWritten();
-  statusBar()->showMessage(
-      tr("Wrote %1 titles to %2.").arg(source_.clips.size()).arg(outputPath()));
+  showReport(report, tr("Wrote %1 titles to %2.").arg(source_.clips.size()).arg(outputPath()));
   return true;
+}
+
+// The warnings go to the log pane, the summary to the status line.
+void MainWindow::showReport(const AssumptionReport& report, const QString& status) {
+  log_->showWarnings(report.warnings);
+  const QString summary = QString::fromStdString(report.summary).remove(QStringLiteral("quillory: "));
+  statusBar()->showMessage(summary.isEmpty() ? status : status + QLatin1Char(' ') + summary);
 }
 
 QString MainWindow::suggestedCopy() const {
@@ -274,6 +268,14 @@ bool MainWindow::saveOutputCopyTo(const QString& target) {
   if (!output_->saveCopyTo(target)) return false;
   statusBar()->showMessage(tr("Saved a copy to %1.").arg(target));
   return true;
+}
+
+BusyScope MainWindow::busyWith(const QString& message, long long expected_lines) {
+  const auto set_busy = [this](bool busy) {
+    busy_ = busy;
+    updateActions();
+  };
+  return BusyScope(*centralWidget(), *statusBar(), *progress_, set_busy, message, expected_lines);
 }
 
 void MainWindow::updateActions() {

@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <memory>
 
+#include "source/assumption_report.h"
 #include "source/get_info_from_clips.h"
 #include "startup/startup.h"
 
@@ -14,6 +15,7 @@ class QPushButton;
 
 namespace quillory::gui {
 
+class BusyScope;
 class DocumentBar;
 class FormPanel;
 class LogPane;
@@ -47,8 +49,6 @@ class MainWindow : public QMainWindow {
   void dropEvent(QDropEvent* event) override;
 
  private:
-  class BusyScope;
-
   void buildWidgets();
   void buildMenus();
   void setTabOrder();
@@ -57,11 +57,15 @@ class MainWindow : public QMainWindow {
   void showDocument(OpenedSource opened, const QString& path);
   QString suggestedCopy() const;
   void updateActions();
+  // Locks the form while one operation runs.
+  BusyScope busyWith(const QString& message, long long expected_lines);
+  void showReport(const AssumptionReport& report, const QString& status);
   OutputPaths paths_;
   // What the last open that got past the xmeml check read; titles are created from it only
   // when it was read whole.
   OpenedSource source_;
   bool source_complete_ = false;
+  QString source_path_;  // of the document the window shows; empty before the first
 
   FormPanel* form_ = nullptr;
   DocumentBar* document_ = nullptr;

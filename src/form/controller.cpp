@@ -6,6 +6,7 @@
 #include "startup/frame_rates.h"
 #include "titles/create_fcp_xml.h"
 #include "titles/sequence_templates.h"
+#include "xml/failure.h"
 
 namespace quillory {
 namespace {
@@ -36,7 +37,8 @@ std::vector<MediaFileRecord> Controller::get_files_info(const std::vector<xmlNod
 }
 
 std::optional<std::vector<std::string>> Controller::get_info_from_clips(const std::string& path) {
-  OpenedSource opened = quillory::get_info_from_clips(path, built_in_template(), out_);
+  OpenedSource opened = quillory::get_info_from_clips(
+      path, built_in_template(), form_.tolerantCheckbox.state() == 1, out_);
   if (opened.status == OpenStatus::Unreadable) throw std::runtime_error(opened.error);
   if (opened.status == OpenStatus::NotXmeml) return std::nullopt;
   show_document(form_, path);
@@ -47,13 +49,16 @@ std::optional<std::vector<std::string>> Controller::get_info_from_clips(const st
   fields_.frame_sizes = {};
   fields_.pixelaspectratios = {};
   fields_.anamorphics = {};
+  if (opened.status == OpenStatus::Broken && opened.incomplete) {
+    throw IncompleteInput(opened.error);
+  }
   if (opened.status == OpenStatus::Broken) throw std::runtime_error(opened.error);
   if (!opened.rates_repeated) return std::nullopt;
   return fields_.frame_rates;
 }
 
-void Controller::create_fcp_xml(const std::optional<std::string>& output_path) {
-  quillory::create_fcp_xml(fields_.templates_array, fields_.clips_array,
+AssumptionReport Controller::create_fcp_xml(const std::optional<std::string>& output_path) {
+  return quillory::create_fcp_xml(fields_.templates_array, fields_.clips_array,
                            read_title_settings(form_, fields_),
                            output_path ? output_path : paths_.TEMP_XML_FILE, out_);
 }
@@ -83,6 +88,7 @@ TitleSettings read_title_settings(const Form& form, const ControllerFields& fiel
     settings.lines[i] = {lines[i].first->stringValue(), lines[i].second->titleOfSelectedItem()};
   }
   settings.timecode_reader = form.tcrCheckbox.state() == 1;
+  settings.tolerant = form.tolerantCheckbox.state() == 1;
   return settings;
 }
 

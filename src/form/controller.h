@@ -14,6 +14,7 @@
 #include "source/media_file_record.h"
 #include "source/parse_xml_file.h"
 #include "startup/startup.h"
+#include "source/assumption_report.h"
 #include "titles/title_settings.h"
 #include "xml/line_sink.h"
 
@@ -35,8 +36,9 @@ class Controller {
   // be read, or when a clip lacks something; what the clips before it gave stays in the fields
   // and the display shows the new document.
   std::optional<std::vector<std::string>> get_info_from_clips(const std::string& path);
-  // Writes to TEMP_XML_FILE, or to `output_path` when one is given.
-  void create_fcp_xml(const std::optional<std::string>& output_path = std::nullopt);
+  // Writes to TEMP_XML_FILE, or to `output_path` when one is given. Returns what tolerant
+  // reading assumed for the clips.
+  AssumptionReport create_fcp_xml(const std::optional<std::string>& output_path = std::nullopt);
 
   // Sets `ntsc` and `timebase` from the frame-rate row named `type`; false (nothing changed)
   // when no row has that name.

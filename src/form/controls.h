@@ -58,6 +58,7 @@ struct Form {
   PopUpMenu& line4Popup;
   PopUpMenu& line5Popup;
   Checkbox& tcrCheckbox;
+  Checkbox& tolerantCheckbox;  // "Accept incomplete exports"
   IconView& xmlIcon;
   TextLabel& xmlFileName;
 };

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "source/date_time.h"
 #include "xml/xml_handles.h"
@@ -21,6 +22,9 @@ struct ClipRecord {
   std::optional<DateTime> time;
   xmlNode* xml = nullptr;         // the clip's <clip> element in the source document
   xml::SharedDocument document;  // keeps that document alive
+  // What tolerant reading assumed for this clip (and its media file) while opening, one
+  // phrase each, e.g. "no <logginginfo/scene>, scene left empty".
+  std::vector<std::string> assumptions;
 };
 
 struct TitleTemplate {
@@ -30,6 +34,7 @@ struct TitleTemplate {
   // template) a parsed fragment whose top-level nodes are copied.
   xmlNode* xml = nullptr;
   xml::SharedDocument document;  // the document `xml` belongs to
+  std::vector<std::string> assumptions;  // as a clip record's
 };
 
 }  // namespace quillory

@@ -56,15 +56,6 @@ std::string clip_label(const std::string& name, const xmlNode* clip) {
   return "clip \"" + name + "\" (" + xml::where(clip) + ")";
 }
 
-std::string required_text(xml::XPathQuery& query, xmlNode* clip, const std::string& clip_name) {
-  xmlNode* node = query.first(clip);
-  if (node == nullptr) {
-    fail(clip_label(clip_name, clip) + " has no <" + query.expression() +
-         ">; a media clip must log its scene, shot/take and log note (empty elements will do)");
-  }
-  return xml::text_content(node);
-}
-
 std::string accepted_rates() {
   std::string text;
   for (const auto& rate : FRAME_RATES) {
@@ -74,61 +65,144 @@ std::string accepted_rates() {
   return text;
 }
 
-void collect_generator_clip(xmlNode* item, const std::string& name, ClipQueries& queries,
-                            const xml::SharedDocument& doc, OpenedSource& opened) {
-  xmlNode* effect_id = queries.effect_id.first(item);
-  if (effect_id == nullptr) return;
-  const std::string type = xml::text_content(effect_id);
-  if (type == "Text" || type == "Outline Text") {
-    opened.templates.push_back(TitleTemplate{name, type, item, doc});
-  }
-}
+// Reads the clips one at a time into `opened`. Where a clip breaks a rule, strict reading
+// stops; tolerant reading notes the assumption it makes in the clip's record.
+class ClipReader {
+ public:
+  ClipReader(const xml::SharedDocument& doc, bool tolerant, OpenedSource& opened, LineSink& out)
+      : doc_(doc), tolerant_(tolerant), opened_(opened), out_(out),
+        catalogue_(get_files_info(xml::XPathQuery("//file").all(xml::as_node(doc.get())), out,
+                                  tolerant)) {}
 
-void collect_media_clip(xmlNode* clip, const std::string& name, ClipQueries& queries,
-                        const Catalogue& catalogue, const xml::SharedDocument& doc,
-                        OpenedSource& opened, LineSink& out) {
-  xmlNode* file = queries.file.first(clip);
-  if (file == nullptr) fail(clip_label(name, clip) + " has no <file> element");
-  const std::optional<std::string> file_id = xml::attribute(file, "id");
-  const MediaFileRecord* media = catalogue.find(file_id);
-  if (media == nullptr) {
-    fail(clip_label(name, clip) + " uses the file " +
-         (file_id ? "id \"" + *file_id + "\"" : "without an id") + " (" + xml::where(file) +
-         "), which no <file> definition in the document has");
+  void read(xmlNode* clip) {
+    std::vector<std::string> made;
+    const xmlNode* name_node = xml::first_child_element(clip, "name");
+    if (name_node == nullptr) {
+      assume_or_fail(tolerant_, made, "a clip has no <name> (" + xml::where(clip) + ")",
+                     "no <name>, name left empty");
+    }
+    const std::string name = xml::text_content(name_node);
+    if (xmlNode* item = queries_.generator_item.first(clip)) {
+      read_generator_clip(item, name, std::move(made));
+    } else {
+      read_media_clip(clip, name, std::move(made));
+    }
   }
-  ClipRecord record;
-  record.clip_name = name;
-  record.file_name = media->name;
-  record.reel = media->reel;
-  record.frame_string = media->frame_string;
-  record.time = media->time;
-  record.scene = required_text(queries.scene, clip, name);
-  record.shottake = required_text(queries.shottake, clip, name);
-  record.lognote = required_text(queries.lognote, clip, name);
-  record.xml = clip;
-  record.document = doc;
-  opened.clips.push_back(std::move(record));
 
-  xmlNode* ntsc_node = queries.ntsc.first(clip);
-  xmlNode* timebase_node = queries.timebase.first(clip);
-  if (ntsc_node == nullptr || timebase_node == nullptr) {
-    fail(clip_label(name, clip) + " has no <" + (ntsc_node == nullptr ? "ntsc" : "timebase") +
-         "> element, so its frame rate is unknown");
+ private:
+  void read_generator_clip(xmlNode* item, const std::string& name,
+                           std::vector<std::string> made) {
+    xmlNode* effect_id = queries_.effect_id.first(item);
+    if (effect_id == nullptr) return;
+    const std::string type = xml::text_content(effect_id);
+    if (type == "Text" || type == "Outline Text") {
+      opened_.templates.push_back(TitleTemplate{name, type, item, doc_, std::move(made)});
+    }
   }
-  const std::string ntsc = xml::text_content(ntsc_node);
-  const long long timebase = xml::leading_integer(xml::text_content(timebase_node));
-  const auto rate = find_frame_rate(ntsc, timebase);
-  if (!rate) {
-    out.line("clip " + name + ": no frame rate matches ntsc " + ntsc + ", timebase " +
-             std::to_string(timebase));
-    fail(clip_label(name, clip) + ": no frame rate matches ntsc \"" + ntsc + "\" and timebase " +
-         std::to_string(timebase) + " (" + xml::where(ntsc_node) +
-         "); accepted ntsc/timebase pairs: " + accepted_rates());
+
+  void read_media_clip(xmlNode* clip, const std::string& name, std::vector<std::string> made) {
+    ClipRecord record;
+    record.clip_name = name;
+    if (const MediaFileRecord* media = find_media(clip, name, made)) {
+      record.file_name = media->name;
+      record.reel = media->reel;
+      record.frame_string = media->frame_string;
+      record.time = media->time;
+      made.insert(made.end(), media->assumptions.begin(), media->assumptions.end());
+    }
+    if (tolerant_ && xml::first_child_element(clip, "logginginfo") == nullptr) {
+      made.emplace_back("no <logginginfo>, scene, shot/take and log note left empty");
+    } else {
+      record.scene = logged(queries_.scene, clip, name, "scene", made);
+      record.shottake = logged(queries_.shottake, clip, name, "shot/take", made);
+      record.lognote = logged(queries_.lognote, clip, name, "log note", made);
+    }
+    record.xml = clip;
+    record.document = doc_;
+    record.assumptions = std::move(made);
+    opened_.clips.push_back(std::move(record));
+    read_rate(clip, name, opened_.clips.back().assumptions);
   }
-  out.line("clip " + name + ": " + describe(*rate));
-  opened.clip_rates.emplace_back(rate->type);
-  opened.frame_rates.emplace_back(rate->type);
-}
+
+  // The catalogue record of the clip's media file; none (tolerant only) when there is none.
+  const MediaFileRecord* find_media(xmlNode* clip, const std::string& name,
+                                    std::vector<std::string>& made) {
+    xmlNode* file = queries_.file.first(clip);
+    if (file == nullptr) {
+      assume_or_fail(tolerant_, made, clip_label(name, clip) + " has no <file> element",
+                     "no <file>, file facts left empty");
+      return nullptr;
+    }
+    const std::optional<std::string> file_id = xml::attribute(file, "id");
+    const MediaFileRecord* media = catalogue_.find(file_id);
+    if (media == nullptr) {
+      const std::string id = file_id ? "id \"" + *file_id + "\"" : "without an id";
+      assume_or_fail(tolerant_, made,
+                     clip_label(name, clip) + " uses the file " + id + " (" + xml::where(file) +
+                         "), which no <file> definition in the document has",
+                     "no <file> definition for its file " + id + ", file facts left empty");
+    }
+    return media;
+  }
+
+  std::string logged(xml::XPathQuery& query, xmlNode* clip, const std::string& name,
+                     const std::string& field, std::vector<std::string>& made) {
+    xmlNode* node = query.first(clip);
+    if (node == nullptr) {
+      assume_or_fail(tolerant_, made,
+                     clip_label(name, clip) + " has no <" + query.expression() +
+                         ">; a media clip must log its scene, shot/take and log note (empty "
+                         "elements will do)",
+                     "no <" + query.expression() + ">, " + field + " left empty");
+    }
+    return xml::text_content(node);
+  }
+
+  void read_rate(xmlNode* clip, const std::string& name, std::vector<std::string>& made) {
+    xmlNode* ntsc_node = queries_.ntsc.first(clip);
+    xmlNode* timebase_node = queries_.timebase.first(clip);
+    const bool missing = ntsc_node == nullptr || timebase_node == nullptr;
+    if (missing) {
+      const std::string element = ntsc_node == nullptr ? "ntsc" : "timebase";
+      assume_or_fail(tolerant_, made,
+                     clip_label(name, clip) + " has no <" + element +
+                         "> element, so its frame rate is unknown",
+                     "no <" + element + ">, frame rate left unknown");
+    }
+    const std::string ntsc = xml::text_content(ntsc_node);
+    const long long timebase = xml::leading_integer(xml::text_content(timebase_node));
+    const auto rate =
+        tolerant_ ? find_frame_rate_loosely(ntsc, timebase) : find_frame_rate(ntsc, timebase);
+    if (!rate) {
+      out_.line("clip " + name + ": no frame rate matches ntsc " + ntsc + ", timebase " +
+                std::to_string(timebase));
+      if (!missing) {
+        assume_or_fail(tolerant_, made,
+                       clip_label(name, clip) + ": no frame rate matches ntsc \"" + ntsc +
+                           "\" and timebase " + std::to_string(timebase) + " (" +
+                           xml::where(ntsc_node) + "); accepted ntsc/timebase pairs: " +
+                           accepted_rates(),
+                       "no frame rate matches ntsc \"" + ntsc + "\" and timebase " +
+                           std::to_string(timebase) + ", frame rate left unknown");
+      }
+      opened_.clip_rates.emplace_back();
+      return;
+    }
+    if (rate->ntsc != ntsc) {
+      made.push_back("ntsc \"" + ntsc + "\" read as " + std::string(rate->ntsc));
+    }
+    out_.line("clip " + name + ": " + describe(*rate));
+    opened_.clip_rates.emplace_back(rate->type);
+    opened_.frame_rates.emplace_back(rate->type);
+  }
+
+  const xml::SharedDocument& doc_;
+  bool tolerant_;
+  OpenedSource& opened_;
+  LineSink& out_;
+  ClipQueries queries_;
+  Catalogue catalogue_;
+};
 
 // Removes later repeats of a name in place; true when any was removed.
 bool remove_duplicates(std::vector<std::string>& names) {
@@ -143,21 +217,11 @@ bool remove_duplicates(std::vector<std::string>& names) {
   return removed;
 }
 
-void read_clips(const xml::SharedDocument& doc, OpenedSource& opened, LineSink& out) {
-  xml::XPathQuery all_files("//file");
-  const Catalogue catalogue(get_files_info(all_files.all(xml::as_node(doc.get())), out));
-  ClipQueries queries;
+void read_clips(const xml::SharedDocument& doc, bool tolerant, OpenedSource& opened,
+                LineSink& out) {
+  ClipReader reader(doc, tolerant, opened, out);
   xml::XPathQuery all_clips("//clip");
-  for (xmlNode* clip : all_clips.all(xml::as_node(doc.get()))) {
-    const xmlNode* name_node = xml::first_child_element(clip, "name");
-    if (name_node == nullptr) fail("a clip has no <name> (" + xml::where(clip) + ")");
-    const std::string name = xml::text_content(name_node);
-    if (xmlNode* item = queries.generator_item.first(clip)) {
-      collect_generator_clip(item, name, queries, doc, opened);
-    } else {
-      collect_media_clip(clip, name, queries, catalogue, doc, opened, out);
-    }
-  }
+  for (xmlNode* clip : all_clips.all(xml::as_node(doc.get()))) reader.read(clip);
 }
 
 }  // namespace
@@ -175,7 +239,7 @@ std::string sequence_name_for(const std::string& path) {
 }
 
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
-                                 LineSink& out) {
+                                 bool tolerant, LineSink& out) {
   OpenedSource opened;
   out.line("opening...");
   LoadedDocument loaded;
@@ -193,7 +257,11 @@ OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& b
   opened.status = OpenStatus::Broken;
   opened.templates = {built_in};
   try {
-    read_clips(xml::share(std::move(loaded.document)), opened, out);
+    read_clips(xml::share(std::move(loaded.document)), tolerant, opened, out);
+  } catch (const IncompleteInput& error) {
+    opened.error = error.what();
+    opened.incomplete = true;
+    return opened;
   } catch (const std::exception& error) {
     opened.error = error.what();
     return opened;

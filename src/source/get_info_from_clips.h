@@ -21,10 +21,13 @@ struct OpenedSource {
   OpenStatus status = OpenStatus::Unreadable;
   // Unreadable and Broken: what went wrong and where (file, element, line), for the user.
   std::string error;
+  // Broken: the error is one that tolerant reading takes with an assumption.
+  bool incomplete = false;
   // The built-in template first, then the document's text-generator clips in document order.
   std::vector<TitleTemplate> templates;
   std::vector<ClipRecord> clips;
-  // The rate name of each clip in `clips`; a Broken open may lack the last clip's.
+  // The rate name of each clip in `clips`, "" when no rate matches (tolerant reading only); a
+  // Broken open may lack the last clip's.
   std::vector<std::string> clip_rates;
   // Each rate name once, in order of first appearance (a Broken open leaves repeats in).
   std::vector<std::string> frame_rates;
@@ -33,9 +36,11 @@ struct OpenedSource {
 
 // Loads the document at `path` and reads it, writing the progress lines to `out`. `built_in`
 // is the template every open offers first. A Broken open keeps what the clips before the
-// failing one gave, and that clip's own record when only its rate is at fault.
+// failing one gave, and that clip's own record when only its rate is at fault. `tolerant`
+// reading takes a clip or file that lacks something with an assumption, noted in its record,
+// where strict reading stops.
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
-                                 LineSink& out);
+                                 bool tolerant, LineSink& out);
 
 // The last component of a path, extension included.
 std::string base_name(const std::string& path);

@@ -18,11 +18,15 @@ struct MediaFileRecord {
   std::string reel;          // "" when the file names no reel
   std::string frame_string;  // first-frame timecode; "" when the file gives none
   std::optional<DateTime> time;  // recording date and time, when the metadata gives one
+  // What tolerant reading assumed for this file; every clip that uses it reports them.
+  std::vector<std::string> assumptions;
 };
 
 // Catalogues the given <file> elements in order. Elements without child nodes are references
 // to a definition elsewhere and give no record. Writes four lines per record to `out`.
-// Throws, naming the element and its line, when a definition lacks a required part.
-std::vector<MediaFileRecord> get_files_info(const std::vector<xmlNode*>& files, LineSink& out);
+// Throws, naming the element and its line, when a definition lacks a required part or holds an
+// unreadable date; `tolerant` reading assumes an empty name and skips such metadata instead.
+std::vector<MediaFileRecord> get_files_info(const std::vector<xmlNode*>& files, LineSink& out,
+                                            bool tolerant = false);
 
 }  // namespace quillory

@@ -1,5 +1,6 @@
 #include "startup/frame_rates.h"
 
+#include <cctype>
 #include <sstream>
 
 namespace quillory {
@@ -9,6 +10,15 @@ std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timeb
     if (rate.ntsc == ntsc && rate.timebase == timebase) return rate;
   }
   return std::nullopt;
+}
+
+std::optional<RateRecord> find_frame_rate_loosely(std::string_view ntsc, long long timebase) {
+  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+  while (!ntsc.empty() && blank(ntsc.front())) ntsc.remove_prefix(1);
+  while (!ntsc.empty() && blank(ntsc.back())) ntsc.remove_suffix(1);
+  std::string upper(ntsc);
+  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return find_frame_rate(upper, timebase);
 }
 
 std::optional<RateRecord> find_frame_rate_by_type(std::string_view type) {

@@ -19,17 +19,16 @@ namespace {
 
 constexpr const char* kTitleName = "Quillory Card";
 constexpr std::size_t kAudioTracks = 4;
+constexpr std::array<const char*, 5> kTitleTiming{"name", "duration", "out", "start", "end"};
 
 std::string clip_label(std::size_t index, const ClipRecord& clip) {
   return "clip " + std::to_string(index + 1) + " \"" + clip.clip_name + "\" (" +
          xml::where(clip.xml) + ")";
 }
 
-// `remedy` follows the message when the fix lies in the source document.
-xmlNode* required_child(xmlNode* parent, const char* name, const std::string& owner,
-                        const std::string& remedy = "") {
+xmlNode* required_child(xmlNode* parent, const char* name, const std::string& owner) {
   xmlNode* child = xml::first_child_element(parent, name);
-  if (child == nullptr) fail(owner + " has no <" + name + ">" + remedy);
+  if (child == nullptr) fail(owner + " has no <" + name + ">");
   return child;
 }
 
@@ -132,6 +131,7 @@ class SequenceBuilder {
     title_prototype_.reset(xmlNewDocNode(document_.get(), nullptr, BAD_CAST "titles", nullptr));
     append_copy(title_prototype_.get(), template_.xml);
     remove_formatting_blanks(title_prototype_.get());
+    if (settings_.tolerant) complete_title_prototype();
     video_tracks_ = xml::XPathQuery("media/video/track").all(sequence_);
     audio_tracks_ = xml::XPathQuery("media/audio/track").all(sequence_);
     if (video_tracks_.size() < 2 || audio_tracks_.size() < kAudioTracks) {
@@ -144,17 +144,17 @@ class SequenceBuilder {
     for (std::size_t i = 0; i < clips.size(); ++i) position = place_clip(i, clips[i], position);
   }
 
-  xml::Document finish() {
+  TitleSequence finish() {
     remove_formatting_blanks(xmlDocGetRootElement(document_.get()));
-    return std::move(document_);
+    return {std::move(document_), std::move(assumptions_)};
   }
 
  private:
   long long place_clip(std::size_t index, const ClipRecord& clip, long long position) {
     const std::string label = clip_label(index, clip);
+    std::vector<std::string>& made = assumptions_.emplace_back();
     out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position));
-    const long long length =
-        xml::leading_integer(xml::text_content(required_child(clip.xml, "duration", label)));
+    const long long length = clip_length(clip, label, made);
     out_.line("  " + clip.clip_name + ", " + clip.file_name + ", " + std::to_string(length));
     const std::string start = std::to_string(position);
     const long long end_frame = add_frames(position, length, label);
@@ -162,29 +162,107 @@ class SequenceBuilder {
     const std::string title_text = compose_title_text(clip, settings_.lines);
 
     xmlNode* video_item = video_clip_item_.first(clip.xml);
-    if (video_item == nullptr) fail(label + " has no video clip item (media/video/track/clipitem)");
+    if (video_item == nullptr) {
+      assume_or_fail(settings_.tolerant, made,
+                     label + " has no video clip item (media/video/track/clipitem)",
+                     "no video clip item, video track 1 left empty over its span");
+    }
     const std::vector<xmlNode*> audio_items = audio_clip_items_.all(clip.xml);
-    if (audio_items.size() > kAudioTracks) {
-      fail(label + " has " + std::to_string(audio_items.size()) +
-           " audio clip items; the sequence has 4 audio tracks, so the audio clip item " +
-           xml::where(audio_items[kAudioTracks]) + " has no track to go to");
+    if (audio_items.size() > audio_tracks_.size()) {
+      assume_or_fail(settings_.tolerant, made,
+                     label + " has " + std::to_string(audio_items.size()) +
+                         " audio clip items; the sequence has 4 audio tracks, so the audio clip "
+                         "item " + xml::where(audio_items[kAudioTracks]) +
+                         " has no track to go to",
+                     std::to_string(audio_items.size()) + " audio clip items, audio tracks " +
+                         std::to_string(audio_tracks_.size() + 1) + " to " +
+                         std::to_string(audio_items.size()) + " added");
+      add_audio_tracks(audio_items.size());
     }
 
-    xmlNode* placed = append_copy(video_tracks_[0], video_item);
-    set_timing(placed, start, end, label + ": its video clip item " + xml::where(video_item));
-    remove_link_indexes(placed);
-    if (settings_.timecode_reader) {
-      const xml::Document filter = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
-      remove_formatting_blanks(xml::as_node(filter.get()));
-      append_copy(placed, xml::as_node(filter.get()));
+    if (video_item != nullptr) {
+      xmlNode* placed = append_copy(video_tracks_[0], video_item);
+      set_timing(placed, start, end, label + ": its video clip item " + xml::where(video_item),
+                 "video clip item", made);
+      remove_link_indexes(placed);
+      if (settings_.timecode_reader) {
+        const xml::Document filter =
+            xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
+        remove_formatting_blanks(xml::as_node(filter.get()));
+        append_copy(placed, xml::as_node(filter.get()));
+      }
     }
     for (std::size_t k = 0; k < audio_items.size(); ++k) {
       xmlNode* audio = append_copy(audio_tracks_[k], audio_items[k]);
-      set_timing(audio, start, end, label + ": its audio clip item " + xml::where(audio_items[k]));
+      set_timing(audio, start, end, label + ": its audio clip item " + xml::where(audio_items[k]),
+                 "audio clip item " + std::to_string(k + 1), made);
       remove_link_indexes(audio);
     }
+    made.insert(made.end(), title_assumptions_.begin(), title_assumptions_.end());
     place_title(label, title_text, start, end, std::to_string(length));
     return end_frame;
+  }
+
+  // The clip's `duration`; a clip without one (tolerant reading only) is measured by its first
+  // clip item, video before audio.
+  long long clip_length(const ClipRecord& clip, const std::string& label,
+                        std::vector<std::string>& made) {
+    if (const xmlNode* duration = xml::first_child_element(clip.xml, "duration")) {
+      return xml::leading_integer(xml::text_content(duration));
+    }
+    std::string kind = "video";
+    const xmlNode* item = video_clip_item_.first(clip.xml);
+    if (item == nullptr) {
+      kind = "audio";
+      item = audio_clip_items_.first(clip.xml);
+    }
+    const auto number = [item](const char* name) {
+      return xml::leading_integer(xml::text_content(xml::first_child_element(item, name)));
+    };
+    long long length = 0;
+    std::string measure = "no clip item to measure, length 0";
+    if (item != nullptr && xml::first_child_element(item, "duration") != nullptr) {
+      length = number("duration");
+      measure = "length " + std::to_string(length) + " from its " + kind + " clip item's <duration>";
+    } else if (item != nullptr && xml::first_child_element(item, "out") != nullptr &&
+               xml::first_child_element(item, "in") != nullptr &&
+               !__builtin_sub_overflow(number("out"), number("in"), &length)) {
+      measure = "length " + std::to_string(length) + " from its " + kind +
+                " clip item's <out> - <in>";
+    } else if (item != nullptr) {
+      measure = "its " + kind + " clip item has no <duration> or <in>/<out>, length 0";
+    }
+    assume_or_fail(settings_.tolerant, made, label + " has no <duration>",
+                   "no <duration>, " + measure);
+    return length;
+  }
+
+  // Audio tracks for `count` audio clip items, shaped like the empty sequence's own: enabled,
+  // unlocked, output channels alternating 1, 2.
+  void add_audio_tracks(std::size_t count) {
+    while (audio_tracks_.size() < count) {
+      xml::Node track(xmlNewDocNode(document_.get(), nullptr, BAD_CAST "track", nullptr));
+      if (!track) throw std::bad_alloc();
+      const char* channel = audio_tracks_.size() % 2 == 0 ? "1" : "2";
+      for (const auto& [name, value] : {std::pair{"enabled", "TRUE"}, std::pair{"locked", "FALSE"},
+                                        std::pair{"outputchannelindex", channel}}) {
+        xmlNewTextChild(track.get(), nullptr, BAD_CAST name, BAD_CAST value);
+      }
+      audio_tracks_.push_back(xmlAddNextSibling(audio_tracks_.back(), track.release()));
+    }
+  }
+
+  // Tolerant reading gives the title prototype the children every title's timing sets.
+  void complete_title_prototype() {
+    xmlNode* title = title_prototype_->children;
+    while (title != nullptr && title->type != XML_ELEMENT_NODE) title = title->next;
+    if (title == nullptr || !xmlStrEqual(title->name, BAD_CAST "generatoritem")) return;
+    for (const char* name : kTitleTiming) {
+      if (xml::first_child_element(title, name) != nullptr) continue;
+      xmlNewChild(title, nullptr, BAD_CAST name, nullptr);
+      title_assumptions_.push_back("title template \"" + template_.name + "\" has no <" + name +
+                                   ">, added");
+    }
   }
 
   // The placed items bring their links from the source document; the track and clip indexes
@@ -196,14 +274,52 @@ class SequenceBuilder {
     }
   }
 
-  // Only elements already there are timed: an item without them is outside xmeml's shape, and
-  // its source is better mended than guessed at.
-  static void set_timing(xmlNode* item, const std::string& start, const std::string& end,
-                         const std::string& owner) {
-    const std::string remedy =
-        "; a placed clip item needs <start> and <end> (any value will do, as both are rewritten)";
-    xml::set_text(required_child(item, "start", owner, remedy), start);
-    xml::set_text(required_child(item, "end", owner, remedy), end);
+  // Sets the placed item's <start> and <end>. Tolerant reading adds those it lacks where
+  // xmeml puts them: <start> after <rate>, else before <in>, else last; <end> after <start>.
+  void set_timing(xmlNode* item, const std::string& start, const std::string& end,
+                  const std::string& owner, const std::string& what,
+                  std::vector<std::string>& made) {
+    xmlNode* start_node = xml::first_child_element(item, "start");
+    xmlNode* end_node = xml::first_child_element(item, "end");
+    if (start_node == nullptr || end_node == nullptr) {
+      const std::string missing = start_node == nullptr ? (end_node == nullptr ? "<start>/<end>"
+                                                                                : "<start>")
+                                                        : "<end>";
+      assume_or_fail(settings_.tolerant, made,
+                     owner + " has no " + (start_node == nullptr ? "<start>" : "<end>") +
+                         "; a placed clip item needs <start> and <end> (any value will do, as "
+                         "both are rewritten)",
+                     what + " has no " + missing + ", added");
+    }
+    if (start_node == nullptr) start_node = insert_start(item);
+    if (end_node == nullptr) {
+      end_node = xmlAddNextSibling(start_node, new_element("end"));
+    }
+    xml::set_text(start_node, start);
+    xml::set_text(end_node, end);
+  }
+
+  xmlNode* new_element(const char* name) {
+    xmlNode* node = xmlNewDocNode(document_.get(), nullptr, BAD_CAST name, nullptr);
+    if (node == nullptr) throw std::bad_alloc();
+    return node;
+  }
+
+  xmlNode* insert_start(xmlNode* item) {
+    if (xmlNode* rate = xml::first_child_element(item, "rate")) {
+      return xmlAddNextSibling(rate, new_element("start"));
+    }
+    if (xmlNode* in = xml::first_child_element(item, "in")) {
+      return xmlAddPrevSibling(in, new_element("start"));
+    }
+    return xmlAddChild(item, new_element("start"));
+  }
+
+  // A child the title's timing sets; strict reading stops on a template that lacks it.
+  xmlNode* title_child(xmlNode* title, const char* name, const std::string& owner) {
+    xmlNode* child = xml::first_child_element(title, name);
+    if (child == nullptr) throw IncompleteInput("quillory: " + owner + " has no <" + name + ">");
+    return child;
   }
 
   void place_title(const std::string& clip, const std::string& text, const std::string& start,
@@ -214,11 +330,11 @@ class SequenceBuilder {
       fail(owner + " holds no <generatoritem>");
     }
     remove_link_indexes(title);
-    xml::set_text(required_child(title, "name", owner), kTitleName);
-    xml::set_text(required_child(title, "duration", owner), length);
-    xml::set_text(required_child(title, "out", owner), length);
-    xml::set_text(required_child(title, "start", owner), start);
-    xml::set_text(required_child(title, "end", owner), end);
+    xml::set_text(title_child(title, "name", owner), kTitleName);
+    xml::set_text(title_child(title, "duration", owner), length);
+    xml::set_text(title_child(title, "out", owner), length);
+    xml::set_text(title_child(title, "start", owner), start);
+    xml::set_text(title_child(title, "end", owner), end);
 
     std::optional<std::size_t> text_value;
     if (template_.type == "Text") text_value = 0;
@@ -247,11 +363,13 @@ class SequenceBuilder {
       "descendant-or-self::link/mediatype | descendant-or-self::link/trackindex | "
       "descendant-or-self::link/clipindex | descendant-or-self::link/groupindex"};
   xml::Node title_prototype_;
+  std::vector<std::string> title_assumptions_;  // what completing the prototype took
+  std::vector<std::vector<std::string>> assumptions_;  // per clip placed
 };
 
 }  // namespace
 
-xml::Document build_title_sequence(const std::vector<TitleTemplate>& templates,
+TitleSequence build_title_sequence(const std::vector<TitleTemplate>& templates,
                                    const std::vector<ClipRecord>& clips,
                                    const TitleSettings& settings, LineSink& out) {
   SequenceBuilder builder(templates, settings, out);
@@ -259,20 +377,22 @@ xml::Document build_title_sequence(const std::vector<TitleTemplate>& templates,
   return builder.finish();
 }
 
-void create_fcp_xml(const std::vector<TitleTemplate>& templates,
-                    const std::vector<ClipRecord>& clips, const TitleSettings& settings,
-                    const std::optional<std::string>& output_path, LineSink& out) {
+AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
+                                const std::vector<ClipRecord>& clips,
+                                const TitleSettings& settings,
+                                const std::optional<std::string>& output_path, LineSink& out) {
   if (!output_path) {
     fail("no output folder is known: set HOME (or XDG_DATA_HOME to an absolute path) so that "
          "titles can be written to its Ferncroft folder");
   }
-  const xml::Document document = build_title_sequence(templates, clips, settings, out);
-  replace_file(*output_path, [&document](int fd) {
+  const TitleSequence sequence = build_title_sequence(templates, clips, settings, out);
+  replace_file(*output_path, [&sequence](int fd) {
     xmlSaveCtxt* save = xmlSaveToFd(fd, "UTF-8", XML_SAVE_FORMAT);
     if (save == nullptr) return false;
-    const long written = xmlSaveDoc(save, document.get());
+    const long written = xmlSaveDoc(save, sequence.document.get());
     return xmlSaveClose(save) >= 0 && written >= 0;
   });
+  return report_assumptions(templates, clips, sequence.assumptions);
 }
 
 }  // namespace quillory

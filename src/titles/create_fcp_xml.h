@@ -7,6 +7,7 @@
 
 #include <vector>
 
+#include "source/assumption_report.h"
 #include "source/clip_record.h"
 #include "titles/title_settings.h"
 #include "xml/line_sink.h"
@@ -17,14 +18,22 @@ namespace quillory {
 // Builds the title sequence of `clips` with a title made from one of `templates` over each,
 // as `settings` ask, and writes it to `output_path`. Neither the lists nor the source document
 // are changed. Throws, naming the clip, when a clip or the template lacks something the
-// sequence needs, and when no output path or no template is known; the previous output file
-// then stays as it was.
-void create_fcp_xml(const std::vector<TitleTemplate>& templates,
-                    const std::vector<ClipRecord>& clips, const TitleSettings& settings,
-                    const std::optional<std::string>& output_path, LineSink& out);
+// sequence needs (IncompleteInput where tolerant reading would assume it), and when no output
+// path or no template is known; the previous output file then stays as it was. Returns what
+// tolerant reading assumed, while opening and here.
+AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
+                                const std::vector<ClipRecord>& clips,
+                                const TitleSettings& settings,
+                                const std::optional<std::string>& output_path, LineSink& out);
 
-// The title sequence document that create_fcp_xml writes, without writing it.
-xml::Document build_title_sequence(const std::vector<TitleTemplate>& templates,
+struct TitleSequence {
+  xml::Document document;
+  // What tolerant reading assumed while placing each clip, indexed like the clips.
+  std::vector<std::vector<std::string>> assumptions;
+};
+
+// The title sequence that create_fcp_xml writes, without writing it.
+TitleSequence build_title_sequence(const std::vector<TitleTemplate>& templates,
                                    const std::vector<ClipRecord>& clips,
                                    const TitleSettings& settings, LineSink& out);
 

@@ -16,7 +16,7 @@ std::string tcr_filter_xml() { return std::string(k_tcr_filter, sizeof k_tcr_fil
 TitleTemplate built_in_template() {
   auto fragment = xml::share(xml::read_html_fragment(lower_third_xml(), "built-in title"));
   xmlNode* node = xml::as_node(fragment.get());
-  return TitleTemplate{"Default", "Text", node, std::move(fragment)};
+  return TitleTemplate{"Default", "Text", node, std::move(fragment), {}};
 }
 
 }  // namespace quillory

@@ -19,6 +19,8 @@ struct TitleSettings {
   int timebase = 30;
   LineSettings lines = default_line_settings();
   bool timecode_reader = false;
+  // Take clips that lack something with a stated assumption instead of stopping.
+  bool tolerant = false;
 
   void set_rate(const RateRecord& rate) {
     ntsc = std::string(rate.ntsc);

@@ -27,7 +27,7 @@ void BM_OpenAndCreate(benchmark::State& state) {
   settings.timecode_reader = true;
   NullSink out;
   for (auto _ : state) {
-    const OpenedSource opened = get_info_from_clips(source, built_in_template(), out);
+    const OpenedSource opened = get_info_from_clips(source, built_in_template(), false, out);
     create_fcp_xml(opened.templates, opened.clips, settings, dir.file("Quillory.xml"), out);
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));

@@ -16,7 +16,7 @@ class Opening : public ::testing::Test {
  protected:
   OpenedSource open(const std::string& body) {
     test::write_file(dir.file("source.xml"), test::xmeml(body));
-    return get_info_from_clips(dir.file("source.xml"), built_in_template(), out);
+    return get_info_from_clips(dir.file("source.xml"), built_in_template(), false, out);
   }
 
   test::TempDir dir;

@@ -20,7 +20,7 @@ class CreatingTitles : public ::testing::Test {
  protected:
   void open(const std::string& body) {
     test::write_file(dir.file("dailies.xml"), test::xmeml(body));
-    opened = get_info_from_clips(dir.file("dailies.xml"), built_in_template(), out);
+    opened = get_info_from_clips(dir.file("dailies.xml"), built_in_template(), false, out);
   }
   void create() { create_fcp_xml(opened.templates, opened.clips, settings, output, out); }
 
