@@ -1,5 +1,6 @@
 #include "titles/create_fcp_xml.h"
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <vector>
@@ -108,6 +109,48 @@ long long add_frames(long long position, long long length, const std::string& cl
   return end;
 }
 
+// The placed items of one clip that lacked <start> or <end>, grouped by what they lacked, so
+// that one phrase tells each group: "video clip item and audio clip items 1, 2 have no
+// <start>/<end>, added".
+class UntimedItems {
+ public:
+  // `audio_number` counts the clip's audio items from 1; 0 is its video item.
+  void add(const std::string& missing, std::size_t audio_number) {
+    if (missing.empty()) return;
+    auto group = std::find_if(groups_.begin(), groups_.end(),
+                              [&missing](const Group& g) { return g.missing == missing; });
+    if (group == groups_.end()) group = groups_.insert(groups_.end(), Group{missing, false, {}});
+    if (audio_number == 0) {
+      group->video = true;
+    } else {
+      group->audio.push_back(std::to_string(audio_number));
+    }
+  }
+
+  void describe(std::vector<std::string>& made) const {
+    for (const auto& group : groups_) {
+      std::string items = group.video ? "video clip item" : "";
+      if (!group.audio.empty()) {
+        items += std::string(items.empty() ? "" : " and ") + "audio clip item" +
+                 (group.audio.size() == 1 ? " " : "s ");
+        for (std::size_t i = 0; i < group.audio.size(); ++i) {
+          items += (i == 0 ? "" : ", ") + group.audio[i];
+        }
+      }
+      const bool several = group.audio.size() + (group.video ? 1 : 0) > 1;
+      made.push_back(items + (several ? " have no " : " has no ") + group.missing + ", added");
+    }
+  }
+
+ private:
+  struct Group {
+    std::string missing;  // "<start>", "<end>" or "<start>/<end>"
+    bool video;
+    std::vector<std::string> audio;
+  };
+  std::vector<Group> groups_;
+};
+
 // One run of title creation over an output document built from the empty sequence.
 class SequenceBuilder {
  public:
@@ -180,10 +223,12 @@ class SequenceBuilder {
       add_audio_tracks(audio_items.size());
     }
 
+    UntimedItems untimed;
     if (video_item != nullptr) {
       xmlNode* placed = append_copy(video_tracks_[0], video_item);
-      set_timing(placed, start, end, label + ": its video clip item " + xml::where(video_item),
-                 "video clip item", made);
+      untimed.add(set_timing(placed, start, end,
+                             label + ": its video clip item " + xml::where(video_item)),
+                  0);
       remove_link_indexes(placed);
       if (settings_.timecode_reader) {
         const xml::Document filter =
@@ -194,10 +239,12 @@ class SequenceBuilder {
     }
     for (std::size_t k = 0; k < audio_items.size(); ++k) {
       xmlNode* audio = append_copy(audio_tracks_[k], audio_items[k]);
-      set_timing(audio, start, end, label + ": its audio clip item " + xml::where(audio_items[k]),
-                 "audio clip item " + std::to_string(k + 1), made);
+      untimed.add(set_timing(audio, start, end,
+                             label + ": its audio clip item " + xml::where(audio_items[k])),
+                  k + 1);
       remove_link_indexes(audio);
     }
+    untimed.describe(made);
     made.insert(made.end(), title_assumptions_.begin(), title_assumptions_.end());
     place_title(label, title_text, start, end, std::to_string(length));
     return end_frame;
@@ -257,11 +304,15 @@ class SequenceBuilder {
     xmlNode* title = title_prototype_->children;
     while (title != nullptr && title->type != XML_ELEMENT_NODE) title = title->next;
     if (title == nullptr || !xmlStrEqual(title->name, BAD_CAST "generatoritem")) return;
+    std::string added;
     for (const char* name : kTitleTiming) {
       if (xml::first_child_element(title, name) != nullptr) continue;
       xmlNewChild(title, nullptr, BAD_CAST name, nullptr);
-      title_assumptions_.push_back("title template \"" + template_.name + "\" has no <" + name +
-                                   ">, added");
+      added += (added.empty() ? "<" : "/<") + std::string(name) + ">";
+    }
+    if (!added.empty()) {
+      title_assumptions_.push_back("title template \"" + template_.name + "\" has no " + added +
+                                   ", added");
     }
   }
 
@@ -275,28 +326,29 @@ class SequenceBuilder {
   }
 
   // Sets the placed item's <start> and <end>. Tolerant reading adds those it lacks where
-  // xmeml puts them: <start> after <rate>, else before <in>, else last; <end> after <start>.
-  void set_timing(xmlNode* item, const std::string& start, const std::string& end,
-                  const std::string& owner, const std::string& what,
-                  std::vector<std::string>& made) {
+  // xmeml puts them (<start> after <rate>, else before <in>, else last; <end> after <start>)
+  // and returns which it added: "<start>", "<end>", "<start>/<end>" or "".
+  std::string set_timing(xmlNode* item, const std::string& start, const std::string& end,
+                         const std::string& owner) {
     xmlNode* start_node = xml::first_child_element(item, "start");
     xmlNode* end_node = xml::first_child_element(item, "end");
+    std::string missing;
     if (start_node == nullptr || end_node == nullptr) {
-      const std::string missing = start_node == nullptr ? (end_node == nullptr ? "<start>/<end>"
-                                                                                : "<start>")
-                                                        : "<end>";
-      assume_or_fail(settings_.tolerant, made,
-                     owner + " has no " + (start_node == nullptr ? "<start>" : "<end>") +
-                         "; a placed clip item needs <start> and <end> (any value will do, as "
-                         "both are rewritten)",
-                     what + " has no " + missing + ", added");
+      if (!settings_.tolerant) {
+        throw IncompleteInput("quillory: " + owner + " has no " +
+                              (start_node == nullptr ? "<start>" : "<end>") +
+                              "; a placed clip item needs <start> and <end> (any value will "
+                              "do, as both are rewritten)");
+      }
+      missing = start_node != nullptr ? "<end>"
+                : end_node != nullptr ? "<start>"
+                                      : "<start>/<end>";
     }
     if (start_node == nullptr) start_node = insert_start(item);
-    if (end_node == nullptr) {
-      end_node = xmlAddNextSibling(start_node, new_element("end"));
-    }
+    if (end_node == nullptr) end_node = xmlAddNextSibling(start_node, new_element("end"));
     xml::set_text(start_node, start);
     xml::set_text(end_node, end);
+    return missing;
   }
 
   xmlNode* new_element(const char* name) {

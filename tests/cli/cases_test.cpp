@@ -9,6 +9,14 @@
 //   expected-exit      optional: the exit status (default 0)
 //   expected-stderr    optional: lines of text that standard error must contain, each somewhere
 //   previous-output    optional: an earlier output file; a failing run must leave it as it was
+//   expected-strict-stderr
+//                      optional, for a case run with --tolerant: lines that standard error must
+//                      contain when the same case runs without it, which must fail and write
+//                      nothing
+//
+// A case that succeeds without --tolerant must give the same output, byte for byte, and the
+// same standard output and error with it: tolerant reading changes nothing where it assumes
+// nothing.
 //
 // QUILLORY_UPDATE_GOLDEN=1 rewrites expected.xml and expected-stdout from the actual run.
 
@@ -43,26 +51,50 @@ std::vector<std::string> read_lines(const fs::path& file) {
 
 class Case : public ::testing::TestWithParam<std::string> {};
 
+// Runs the binary on the case's input with its arguments (less any in `dropped`, more any in
+// `added`), in a home of its own with the previous output, when the case has one, in place.
+struct CaseRun {
+  CaseRun(const fs::path& dir, const std::string& dropped = "", const std::string& added = "") {
+    fs::create_directories(home.path() / ".local/share/Ferncroft");
+    if (fs::exists(dir / "previous-output")) fs::copy_file(dir / "previous-output", output);
+    std::vector<std::string> argv{QUILLORY_BINARY};
+    if (!added.empty()) argv.push_back(added);
+    for (auto& arg : read_lines(dir / "args")) {
+      if (dropped.empty() || arg != dropped) argv.push_back(arg);
+    }
+    argv.push_back((dir / "input.xml").string());
+    result = test::run_command(argv, {"HOME=" + home.path().string(), "XDG_DATA_HOME="});
+  }
+
+  // The run failed or wrote nothing, and left the previous output as it was.
+  void expect_nothing_written(const fs::path& dir) const {
+    if (fs::exists(dir / "previous-output")) {
+      EXPECT_EQ(test::read_file(output), test::read_file(dir / "previous-output"));
+    } else {
+      EXPECT_FALSE(fs::exists(output));
+    }
+  }
+
+  test::TempDir home;
+  const std::string output = (home.path() / ".local/share/Ferncroft/Quillory.xml").string();
+  test::CommandResult result;
+};
+
+void expect_lines(const fs::path& file, const std::string& err) {
+  for (const auto& line : read_lines(file)) EXPECT_NE(err.find(line), std::string::npos) << err;
+}
+
 TEST_P(Case, RunsAsRecorded) {
   const fs::path dir = fs::path(QUILLORY_CASES_DIR) / GetParam();
   const bool update = std::getenv("QUILLORY_UPDATE_GOLDEN") != nullptr;
-  test::TempDir home;
-  fs::create_directories(home.path() / ".local/share/Ferncroft");
-  const std::string output = (home.path() / ".local/share/Ferncroft/Quillory.xml").string();
-  const bool has_previous = fs::exists(dir / "previous-output");
-  if (has_previous) fs::copy_file(dir / "previous-output", output);
-
-  std::vector<std::string> argv{QUILLORY_BINARY};
-  for (auto& arg : read_lines(dir / "args")) argv.push_back(arg);
-  argv.push_back((dir / "input.xml").string());
-  const auto result = test::run_command(argv, {"HOME=" + home.path().string(), "XDG_DATA_HOME="});
+  const CaseRun run(dir);
+  const auto& result = run.result;
+  const std::string& output = run.output;
 
   const int expected_exit =
       fs::exists(dir / "expected-exit") ? std::stoi(test::read_file(dir / "expected-exit")) : 0;
   ASSERT_EQ(result.exit_code, expected_exit) << result.err;
-  for (const auto& line : read_lines(dir / "expected-stderr")) {
-    EXPECT_NE(result.err.find(line), std::string::npos) << result.err;
-  }
+  expect_lines(dir / "expected-stderr", result.err);
   const bool writes = fs::exists(dir / "expected.xml");
   if (update && expected_exit == 0) {
     if (writes) test::write_file(dir / "expected.xml", test::read_file(output));
@@ -71,19 +103,26 @@ TEST_P(Case, RunsAsRecorded) {
   if (fs::exists(dir / "expected-stdout")) {
     EXPECT_EQ(result.out, test::read_file(dir / "expected-stdout"));
   }
-  if (expected_exit != 0 || !writes) {
-    if (has_previous) {
-      EXPECT_EQ(test::read_file(output), test::read_file(dir / "previous-output"));
-    } else {
-      EXPECT_FALSE(fs::exists(output));
-    }
-    return;
+  if (fs::exists(dir / "expected-strict-stderr")) {
+    const CaseRun strict(dir, "--tolerant");
+    EXPECT_EQ(strict.result.exit_code, 1) << strict.result.err;
+    expect_lines(dir / "expected-strict-stderr", strict.result.err);
+    EXPECT_NE(strict.result.err.find(" (--tolerant accepts this)\n"), std::string::npos);
+    strict.expect_nothing_written(dir);
   }
+  if (expected_exit != 0 || !writes) return run.expect_nothing_written(dir);
   EXPECT_NE(result.err.find("quillory: wrote " + output), std::string::npos) << result.err;
   EXPECT_EQ(test::tree_difference(test::read_file(dir / "expected.xml"), test::read_file(output)),
             "");
-  EXPECT_EQ(fs::directory_iterator(home.path() / ".local/share/Ferncroft")->path(), output)
+  EXPECT_EQ(fs::directory_iterator(run.home.path() / ".local/share/Ferncroft")->path(), output)
       << "no temporary file may be left beside the output";
+  if (!fs::exists(dir / "expected-strict-stderr")) {
+    const CaseRun tolerant(dir, "", "--tolerant");
+    EXPECT_EQ(tolerant.result.out, result.out);
+    EXPECT_EQ(tolerant.result.err.substr(0, result.err.find("quillory: wrote ")),
+              result.err.substr(0, result.err.find("quillory: wrote ")));
+    EXPECT_EQ(test::read_file(tolerant.output), test::read_file(output));
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Cli, Case, ::testing::ValuesIn(case_names()),
