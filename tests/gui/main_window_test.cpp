@@ -16,11 +16,13 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QSettings>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
 #include <memory>
 
+#include "log_pane.h"
 #include "title_preview.h"
 #include "xml_tree.h"
 
@@ -82,6 +84,7 @@ class MainWindowTest : public QObject {
     }
     return values << control<QComboBox>("ratePopup")->currentText()
                   << QString::number(control<QCheckBox>("tcrCheckbox")->isChecked())
+                  << QString::number(control<QCheckBox>("tolerantCheckbox")->isChecked())
                   << QStringLiteral("%1x%2").arg(window_->width()).arg(window_->height());
   }
 
@@ -155,7 +158,7 @@ class MainWindowTest : public QObject {
   void refusalsKeepThePreviousStateAndFile() {
     QVERIFY(window_->openDocument(kExample));
     QVERIFY(window_->createTitles());
-    const QByteArray before = read_all(window_->outputPath());
+    QByteArray before = read_all(window_->outputPath());
     auto* templates = control<QComboBox>("templatePopup");
     const int template_count = templates->count();
     templates->setCurrentIndex(template_count - 1);
@@ -179,9 +182,22 @@ class MainWindowTest : public QObject {
         "<file id=\"f1\"><name>c1.mov</name></file></clipitem></track></video></media></clip>";
     QVERIFY(window_->openDocument(document("unplaceable.xml", "<xmeml>" + clip + "</xmeml>")));
     QVERIFY(!window_->createTitles());
+    QVERIFY(window_->findChild<QMessageBox*>()->informativeText().contains(
+        "“Accept incomplete exports” takes this"));
     QCOMPARE(close_dialogs(window_.get()), 1);
     QCOMPARE(read_all(window_->outputPath()), before);
     QVERIFY(canCreate());
+
+    // Accepting incomplete exports reads the document again; the item gets its timing, and the
+    // log and the status line say so.
+    auto* tolerant = control<QCheckBox>("tolerantCheckbox");
+    tolerant->setChecked(true);
+    QVERIFY(window_->createTitles());
+    QVERIFY(control<quillory::gui::LogPane>("logPane")->text().contains(
+        "quillory: warning: clip 1 \"c1\" (line 1): video clip item has no <start>/<end>, added"));
+    QVERIFY(window_->statusBar()->currentMessage().endsWith("1 clip needed 1 assumption; see the warnings above"));
+    tolerant->setChecked(false);
+    before = read_all(window_->outputPath());
 
     // A document that breaks off after its first clip shows what was read, and makes nothing.
     const QByteArray placeable = QByteArray(clip).replace("<file", "<start>0</start><end>0</end><file");
@@ -200,6 +216,7 @@ class MainWindowTest : public QObject {
     setLines({"One", "", "  three", "Four & more", "Fünf"},
              {" ", "Text", "Shot/Take", "Date (13/3/2010), Time", "Scene"});
     control<QCheckBox>("tcrCheckbox")->setChecked(true);
+    control<QCheckBox>("tolerantCheckbox")->setChecked(true);
     control<QComboBox>("ratePopup")->setCurrentIndex(2);
     window_->resize(900, 700);
     const QStringList before = remembered();

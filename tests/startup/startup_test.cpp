@@ -54,19 +54,23 @@ TEST(StartUp, FolderLookupPrefersAnAbsoluteXdgDataHomeAndExpandsTilde) {
   EXPECT_TRUE(application_support_folders().empty());
 }
 
-TEST(FrameRates, LookupMatchesFlagAndTimebaseExactly) {
+TEST(FrameRates, LookupMatchesFlagAndTimebaseExactlyOrLoosely) {
   const std::pair<std::string_view, long long> rows[] = {
       {"TRUE", 24},  {"FALSE", 24}, {"FALSE", 25}, {"TRUE", 30},  {"FALSE", 30}, {"FALSE", 50},
       {"TRUE", 60},  {"FALSE", 60}, {"TRUE", 25},  {"TRUE", 50},  {"true", 24},  {"True", 30},
       {" TRUE", 30}, {"FALSE", 23}};
-  std::string found;
+  std::string found, loosely;
   for (const auto& [ntsc, timebase] : rows) {
     const auto rate = find_frame_rate(ntsc, timebase);
     found += std::string(rate ? rate->type : "none") + ";";
+    const auto loose = find_frame_rate_loosely(ntsc, timebase);
+    loosely += std::string(loose ? loose->type.substr(0, 5) : "none") + ";";
   }
   EXPECT_EQ(found,
             "24P (24fps);Film (24fps);PAL (25fps);NTSC/HD (29.97fps);Video/HD (30fps);HD (50fps);"
             "HD (59.94fps);HD (60fps);none;none;none;none;none;none;");
+  EXPECT_EQ(loosely, "24P (;Film ;PAL (;NTSC/;Video;HD (5;HD (5;HD (6;none;none;24P (;NTSC/;"
+                     "NTSC/;none;");
   EXPECT_EQ(default_sequence_rate({}).type, "NTSC/HD (29.97fps)");
   EXPECT_EQ(default_sequence_rate({"HD (50fps)", "PAL (25fps)"}).type, "HD (50fps)");
 }
