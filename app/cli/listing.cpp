@@ -14,6 +14,12 @@ nlohmann::ordered_json iso_date_time(const std::optional<DateTime>& time) {
   return text;
 }
 
+// A clip whose rate matches no row (tolerant reading only) has none.
+nlohmann::ordered_json rate_or_null(const std::string& rate) {
+  if (rate.empty()) return nullptr;
+  return rate;
+}
+
 }  // namespace
 
 void print_listing(const OpenedSource& opened, std::ostream& out) {
@@ -45,7 +51,7 @@ void print_json_listing(const OpenedSource& opened, std::ostream& out) {
                                 {"take", clip.shottake},
                                 {"timecode", clip.frame_string},
                                 {"date", iso_date_time(clip.time)},
-                                {"rate", opened.clip_rates[i]}});
+                                {"rate", rate_or_null(opened.clip_rates[i])}});
   }
   // Text from a repaired source is valid UTF-8; replacing keeps any other byte from aborting.
   out << listing.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "test_support.h"
+#include "xml/failure.h"
 
 namespace quillory {
 namespace {
@@ -71,9 +72,14 @@ TEST_F(ControllerTest, OpenShowsTheDocumentAndReplacesTheFields) {
   EXPECT_EQ(controller.fields().clips_array.size(), 2U);
   const std::string broken = write("broken.xml", media_clip("C", "f", 5, file_definition("f", "c.mov")) +
                                                      media_clip("D", "f", 5, "", "true", 24));
-  EXPECT_THROW(controller.get_info_from_clips(broken), std::runtime_error);
+  EXPECT_THROW(controller.get_info_from_clips(broken), IncompleteInput);
   EXPECT_EQ(display.shown, "broken.xml");
   EXPECT_EQ(controller.fields().clips_array.at(0).clip_name, "C");
+  // Accepting incomplete exports, the same document opens whole, the unknown rate left out.
+  tolerant.value = 1;
+  EXPECT_FALSE(controller.get_info_from_clips(broken));
+  EXPECT_EQ(controller.fields().clips_array.size(), 2U);
+  EXPECT_TRUE(read_title_settings(controller.form(), controller.fields()).tolerant);
 }
 
 TEST_F(ControllerTest, CreateReadsTheControlsAtEachRun) {
