@@ -1,6 +1,5 @@
 #include "titles/create_fcp_xml.h"
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "xml/xml_nodes.h"
 #include "xml/xpath_query.h"
 #include "titles/compose_title_text.h"
+#include "titles/item_timing.h"
 #include "titles/replace_file.h"
 #include "titles/sequence_templates.h"
 
@@ -109,48 +109,6 @@ long long add_frames(long long position, long long length, const std::string& cl
   return end;
 }
 
-// The placed items of one clip that lacked <start> or <end>, grouped by what they lacked, so
-// that one phrase tells each group: "video clip item and audio clip items 1, 2 have no
-// <start>/<end>, added".
-class UntimedItems {
- public:
-  // `audio_number` counts the clip's audio items from 1; 0 is its video item.
-  void add(const std::string& missing, std::size_t audio_number) {
-    if (missing.empty()) return;
-    auto group = std::find_if(groups_.begin(), groups_.end(),
-                              [&missing](const Group& g) { return g.missing == missing; });
-    if (group == groups_.end()) group = groups_.insert(groups_.end(), Group{missing, false, {}});
-    if (audio_number == 0) {
-      group->video = true;
-    } else {
-      group->audio.push_back(std::to_string(audio_number));
-    }
-  }
-
-  void describe(std::vector<std::string>& made) const {
-    for (const auto& group : groups_) {
-      std::string items = group.video ? "video clip item" : "";
-      if (!group.audio.empty()) {
-        items += std::string(items.empty() ? "" : " and ") + "audio clip item" +
-                 (group.audio.size() == 1 ? " " : "s ");
-        for (std::size_t i = 0; i < group.audio.size(); ++i) {
-          items += (i == 0 ? "" : ", ") + group.audio[i];
-        }
-      }
-      const bool several = group.audio.size() + (group.video ? 1 : 0) > 1;
-      made.push_back(items + (several ? " have no " : " has no ") + group.missing + ", added");
-    }
-  }
-
- private:
-  struct Group {
-    std::string missing;  // "<start>", "<end>" or "<start>/<end>"
-    bool video;
-    std::vector<std::string> audio;
-  };
-  std::vector<Group> groups_;
-};
-
 // One run of title creation over an output document built from the empty sequence.
 class SequenceBuilder {
  public:
@@ -197,20 +155,22 @@ class SequenceBuilder {
     const std::string label = clip_label(index, clip);
     std::vector<std::string>& made = assumptions_.emplace_back();
     out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position));
-    const long long length = clip_length(clip, label, made);
+    xmlNode* video_item = video_clip_item_.first(clip.xml);
+    const std::vector<xmlNode*> audio_items = audio_clip_items_.all(clip.xml);
+    const long long length =
+        clip_length(clip.xml, video_item, audio_items.empty() ? nullptr : audio_items.front(),
+                    label, settings_.tolerant, made);
     out_.line("  " + clip.clip_name + ", " + clip.file_name + ", " + std::to_string(length));
     const std::string start = std::to_string(position);
     const long long end_frame = add_frames(position, length, label);
     const std::string end = std::to_string(end_frame);
     const std::string title_text = compose_title_text(clip, settings_.lines);
 
-    xmlNode* video_item = video_clip_item_.first(clip.xml);
     if (video_item == nullptr) {
       assume_or_fail(settings_.tolerant, made,
                      label + " has no video clip item (media/video/track/clipitem)",
                      "no video clip item, video track 1 left empty over its span");
     }
-    const std::vector<xmlNode*> audio_items = audio_clip_items_.all(clip.xml);
     if (audio_items.size() > audio_tracks_.size()) {
       assume_or_fail(settings_.tolerant, made,
                      label + " has " + std::to_string(audio_items.size()) +
@@ -226,8 +186,9 @@ class SequenceBuilder {
     UntimedItems untimed;
     if (video_item != nullptr) {
       xmlNode* placed = append_copy(video_tracks_[0], video_item);
-      untimed.add(set_timing(placed, start, end,
-                             label + ": its video clip item " + xml::where(video_item)),
+      untimed.add(set_item_timing(placed, start, end,
+                                  label + ": its video clip item " + xml::where(video_item),
+                                  settings_.tolerant),
                   0);
       remove_link_indexes(placed);
       if (settings_.timecode_reader) {
@@ -239,8 +200,9 @@ class SequenceBuilder {
     }
     for (std::size_t k = 0; k < audio_items.size(); ++k) {
       xmlNode* audio = append_copy(audio_tracks_[k], audio_items[k]);
-      untimed.add(set_timing(audio, start, end,
-                             label + ": its audio clip item " + xml::where(audio_items[k])),
+      untimed.add(set_item_timing(audio, start, end,
+                                  label + ": its audio clip item " + xml::where(audio_items[k]),
+                                  settings_.tolerant),
                   k + 1);
       remove_link_indexes(audio);
     }
@@ -248,40 +210,6 @@ class SequenceBuilder {
     made.insert(made.end(), title_assumptions_.begin(), title_assumptions_.end());
     place_title(label, title_text, start, end, std::to_string(length));
     return end_frame;
-  }
-
-  // The clip's `duration`; a clip without one (tolerant reading only) is measured by its first
-  // clip item, video before audio.
-  long long clip_length(const ClipRecord& clip, const std::string& label,
-                        std::vector<std::string>& made) {
-    if (const xmlNode* duration = xml::first_child_element(clip.xml, "duration")) {
-      return xml::leading_integer(xml::text_content(duration));
-    }
-    std::string kind = "video";
-    const xmlNode* item = video_clip_item_.first(clip.xml);
-    if (item == nullptr) {
-      kind = "audio";
-      item = audio_clip_items_.first(clip.xml);
-    }
-    const auto number = [item](const char* name) {
-      return xml::leading_integer(xml::text_content(xml::first_child_element(item, name)));
-    };
-    long long length = 0;
-    std::string measure = "no clip item to measure, length 0";
-    if (item != nullptr && xml::first_child_element(item, "duration") != nullptr) {
-      length = number("duration");
-      measure = "length " + std::to_string(length) + " from its " + kind + " clip item's <duration>";
-    } else if (item != nullptr && xml::first_child_element(item, "out") != nullptr &&
-               xml::first_child_element(item, "in") != nullptr &&
-               !__builtin_sub_overflow(number("out"), number("in"), &length)) {
-      measure = "length " + std::to_string(length) + " from its " + kind +
-                " clip item's <out> - <in>";
-    } else if (item != nullptr) {
-      measure = "its " + kind + " clip item has no <duration> or <in>/<out>, length 0";
-    }
-    assume_or_fail(settings_.tolerant, made, label + " has no <duration>",
-                   "no <duration>, " + measure);
-    return length;
   }
 
   // Audio tracks for `count` audio clip items, shaped like the empty sequence's own: enabled,
@@ -323,48 +251,6 @@ class SequenceBuilder {
       xmlUnlinkNode(node);
       xmlFreeNode(node);
     }
-  }
-
-  // Sets the placed item's <start> and <end>. Tolerant reading adds those it lacks where
-  // xmeml puts them (<start> after <rate>, else before <in>, else last; <end> after <start>)
-  // and returns which it added: "<start>", "<end>", "<start>/<end>" or "".
-  std::string set_timing(xmlNode* item, const std::string& start, const std::string& end,
-                         const std::string& owner) {
-    xmlNode* start_node = xml::first_child_element(item, "start");
-    xmlNode* end_node = xml::first_child_element(item, "end");
-    std::string missing;
-    if (start_node == nullptr || end_node == nullptr) {
-      if (!settings_.tolerant) {
-        throw IncompleteInput("quillory: " + owner + " has no " +
-                              (start_node == nullptr ? "<start>" : "<end>") +
-                              "; a placed clip item needs <start> and <end> (any value will "
-                              "do, as both are rewritten)");
-      }
-      missing = start_node != nullptr ? "<end>"
-                : end_node != nullptr ? "<start>"
-                                      : "<start>/<end>";
-    }
-    if (start_node == nullptr) start_node = insert_start(item);
-    if (end_node == nullptr) end_node = xmlAddNextSibling(start_node, new_element("end"));
-    xml::set_text(start_node, start);
-    xml::set_text(end_node, end);
-    return missing;
-  }
-
-  xmlNode* new_element(const char* name) {
-    xmlNode* node = xmlNewDocNode(document_.get(), nullptr, BAD_CAST name, nullptr);
-    if (node == nullptr) throw std::bad_alloc();
-    return node;
-  }
-
-  xmlNode* insert_start(xmlNode* item) {
-    if (xmlNode* rate = xml::first_child_element(item, "rate")) {
-      return xmlAddNextSibling(rate, new_element("start"));
-    }
-    if (xmlNode* in = xml::first_child_element(item, "in")) {
-      return xmlAddPrevSibling(in, new_element("start"));
-    }
-    return xmlAddChild(item, new_element("start"));
   }
 
   // A child the title's timing sets; strict reading stops on a template that lacks it.
