@@ -68,6 +68,10 @@ void add_options(CLI::App& app, Options& options) {
   app.add_flag("--tolerant", options.tolerant,
                "accept incomplete exports (master clips without <start>/<end>, logging or a "
                "video item, more than 4 audio items, ...): assume what is missing and warn");
+  app.add_flag("--import-safe", options.import_safe,
+               "write ids, rates and file definitions so that importers which resolve ids "
+               "(Premiere Pro, DaVinci Resolve, OpenTimelineIO) read every title and clip as "
+               "written");
   app.set_version_flag("--version", "quillory " QUILLORY_VERSION);
   app.footer("Choice titles for --line1 ... --line5:" + quoted_list(CHOICE_TITLES) +
              "\nRates for --rate:" + rate_names() +
@@ -87,6 +91,7 @@ TitleSettings title_settings(const Options& options, const OpenedSource& opened)
   }
   settings.timecode_reader = options.tcr;
   settings.tolerant = options.tolerant;
+  settings.import_safe = options.import_safe;
   return settings;
 }
 

@@ -31,6 +31,7 @@ struct Options {
   bool preview = false;
   bool quiet = false;
   bool tolerant = false;
+  bool import_safe = false;
 };
 
 // Declares every option on `app`, bound to `options`.

@@ -54,7 +54,8 @@ FormPanel::FormPanel(QWidget* parent)
       template_menu_(new QComboBox(this)),
       rate_menu_(new QComboBox(this)),
       name_field_(new QLineEdit(this)),
-      timecode_reader_(new QCheckBox(tr("Timecode R&eader on every clip"), this)) {
+      timecode_reader_(new QCheckBox(tr("Timecode R&eader on every clip"), this)),
+      import_safe_(new QCheckBox(tr("Import-safe output"), this)) {
   template_menu_->setObjectName(QStringLiteral("templatePopup"));
   template_menu_->setPlaceholderText(tr("(open a document)"));
   template_menu_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -104,6 +105,11 @@ FormPanel::FormPanel(QWidget* parent)
   grid->setColumnStretch(1, 1);
   timecode_reader_->setObjectName(QStringLiteral("tcrCheckbox"));
   grid->addWidget(timecode_reader_, 6, 1, 1, 2);
+  import_safe_->setObjectName(QStringLiteral("importSafeCheckbox"));
+  import_safe_->setToolTip(tr("Give every title its own id, rate and UUID and define each media "
+                              "file where it is first used, so that Premiere Pro, DaVinci "
+                              "Resolve and OpenTimelineIO read the sequence as written"));
+  sequence_form->addRow(QString(), import_safe_);
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -133,6 +139,7 @@ TitleSettings FormPanel::settings() const {
   }
   settings.lines = lineSettings();
   settings.timecode_reader = timecode_reader_->checkState() == Qt::Checked;
+  settings.import_safe = import_safe_->isChecked();
   return settings;
 }
 
@@ -150,6 +157,7 @@ void FormPanel::restore(const FormSettings& values) {
     select_text(choices_[i], values.choices[i]);
   }
   timecode_reader_->setChecked(values.timecode_reader);
+  import_safe_->setChecked(values.import_safe);
   select_text(rate_menu_, values.rate);
 }
 
@@ -159,11 +167,12 @@ void FormPanel::store(FormSettings& values) const {
     values.choices[i] = choices_[i]->currentText();
   }
   values.timecode_reader = timecode_reader_->isChecked();
+  values.import_safe = import_safe_->isChecked();
   values.rate = rate_menu_->currentText();
 }
 
 QList<QWidget*> FormPanel::controls() const {
-  QList<QWidget*> chain{template_menu_, rate_menu_, name_field_};
+  QList<QWidget*> chain{template_menu_, rate_menu_, name_field_, import_safe_};
   for (std::size_t i = 0; i < 5; ++i) chain << labels_[i] << choices_[i];
   chain << timecode_reader_;
   return chain;

@@ -1,6 +1,6 @@
 #pragma once
 // The controls that say what a run creates: the title template, the sequence's rate and name,
-// the five title lines and the Timecode Reader. The panel owns them and hands out their state
+// the five title lines, the Timecode Reader and import-safe output. The panel owns them and hands out their state
 // as the core's settings.
 
 #include <QWidget>
@@ -46,6 +46,7 @@ class FormPanel : public QWidget {
   std::array<QLineEdit*, 5> labels_{};
   std::array<QComboBox*, 5> choices_{};
   QCheckBox* timecode_reader_;
+  QCheckBox* import_safe_;
 };
 
 }  // namespace quillory::gui

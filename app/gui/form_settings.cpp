@@ -17,6 +17,7 @@ QString choice_key(std::size_t line) {
 const QString kTimecodeReader = QStringLiteral("timecodeReader");
 const QString kRate = QStringLiteral("rate");
 const QString kTolerant = QStringLiteral("acceptIncompleteExports");
+const QString kImportSafe = QStringLiteral("importSafeOutput");
 const QString kLastFolder = QStringLiteral("lastFolder");
 const QString kGeometry = QStringLiteral("window/geometry");
 
@@ -47,6 +48,7 @@ FormSettings load_form_settings(const QSettings& settings) {
   values.timecode_reader = settings.value(kTimecodeReader, false).toBool();
   values.rate = settings.value(kRate).toString();
   values.tolerant = settings.value(kTolerant, false).toBool();
+  values.import_safe = settings.value(kImportSafe, false).toBool();
   values.last_folder = settings.value(kLastFolder).toString();
   values.geometry = settings.value(kGeometry).toByteArray();
   return values;
@@ -60,6 +62,7 @@ void save_form_settings(QSettings& settings, const FormSettings& values) {
   settings.setValue(kTimecodeReader, values.timecode_reader);
   settings.setValue(kRate, values.rate);
   settings.setValue(kTolerant, values.tolerant);
+  settings.setValue(kImportSafe, values.import_safe);
   settings.setValue(kLastFolder, values.last_folder);
   settings.setValue(kGeometry, values.geometry);
 }

@@ -1,7 +1,7 @@
 #pragma once
 // What the window remembers between launches: the title line set-up, the Timecode Reader
-// checkbox, the rate, whether incomplete exports are accepted, the folder of the last document
-// and the window's geometry.
+// checkbox, the rate, whether incomplete exports are accepted and output is import-safe, the
+// folder of the last document and the window's geometry.
 
 #include <QByteArray>
 #include <QSettings>
@@ -16,6 +16,7 @@ struct FormSettings {
   bool timecode_reader = false;
   QString rate;  // a frame-rate type; empty for the document's first rate
   bool tolerant = false;
+  bool import_safe = false;
   QString last_folder;
   QByteArray geometry;
 };

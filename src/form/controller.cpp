@@ -89,6 +89,7 @@ TitleSettings read_title_settings(const Form& form, const ControllerFields& fiel
   }
   settings.timecode_reader = form.tcrCheckbox.state() == 1;
   settings.tolerant = form.tolerantCheckbox.state() == 1;
+  settings.import_safe = form.importSafeCheckbox.state() == 1;
   return settings;
 }
 

@@ -58,7 +58,8 @@ struct Form {
   PopUpMenu& line4Popup;
   PopUpMenu& line5Popup;
   Checkbox& tcrCheckbox;
-  Checkbox& tolerantCheckbox;  // "Accept incomplete exports"
+  Checkbox& tolerantCheckbox;    // "Accept incomplete exports"
+  Checkbox& importSafeCheckbox;  // "Import-safe output"
   IconView& xmlIcon;
   TextLabel& xmlFileName;
 };

@@ -11,6 +11,7 @@
 #include "xml/xml_nodes.h"
 #include "xml/xpath_query.h"
 #include "titles/compose_title_text.h"
+#include "titles/import_safe.h"
 #include "titles/item_timing.h"
 #include "titles/replace_file.h"
 #include "titles/sequence_templates.h"
@@ -100,6 +101,20 @@ void remove_formatting_blanks(xmlNode* element) {
   }
 }
 
+// The path of the source document the clips (else the document's own templates) come from.
+std::string source_path(const std::vector<TitleTemplate>& templates,
+                        const std::vector<ClipRecord>& clips) {
+  std::vector<const xmlDoc*> documents;
+  for (const auto& clip : clips) documents.push_back(clip.document.get());
+  for (std::size_t i = 1; i < templates.size(); ++i) documents.push_back(templates[i].document.get());
+  for (const xmlDoc* document : documents) {
+    if (document != nullptr && document->URL != nullptr) {
+      return reinterpret_cast<const char*>(document->URL);
+    }
+  }
+  return "";
+}
+
 long long add_frames(long long position, long long length, const std::string& clip) {
   long long end = 0;
   if (__builtin_add_overflow(position, length, &end)) {
@@ -140,14 +155,16 @@ class SequenceBuilder {
     }
   }
 
-  void place_all_clips(const std::vector<ClipRecord>& clips) {
+  // Returns where the last clip ends.
+  long long place_all_clips(const std::vector<ClipRecord>& clips) {
     long long position = 0;
     for (std::size_t i = 0; i < clips.size(); ++i) position = place_clip(i, clips[i], position);
+    return position;
   }
 
   TitleSequence finish() {
     remove_formatting_blanks(xmlDocGetRootElement(document_.get()));
-    return {std::move(document_), std::move(assumptions_)};
+    return {std::move(document_), std::move(assumptions_), {}};
   }
 
  private:
@@ -311,8 +328,13 @@ TitleSequence build_title_sequence(const std::vector<TitleTemplate>& templates,
                                    const std::vector<ClipRecord>& clips,
                                    const TitleSettings& settings, LineSink& out) {
   SequenceBuilder builder(templates, settings, out);
-  builder.place_all_clips(clips);
-  return builder.finish();
+  const long long duration = builder.place_all_clips(clips);
+  TitleSequence sequence = builder.finish();
+  if (settings.import_safe) {
+    const ImportSafeRun run{source_path(templates, clips), settings.sequence_name, duration};
+    sequence.warnings = make_import_safe(sequence.document.get(), clips, run);
+  }
+  return sequence;
 }
 
 AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
@@ -330,7 +352,10 @@ AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
     const long written = xmlSaveDoc(save, sequence.document.get());
     return xmlSaveClose(save) >= 0 && written >= 0;
   });
-  return report_assumptions(templates, clips, sequence.assumptions);
+  AssumptionReport report = report_assumptions(templates, clips, sequence.assumptions);
+  report.warnings.insert(report.warnings.begin(), sequence.warnings.begin(),
+                         sequence.warnings.end());
+  return report;
 }
 
 }  // namespace quillory

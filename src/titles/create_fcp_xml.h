@@ -20,7 +20,8 @@ namespace quillory {
 // are changed. Throws, naming the clip, when a clip or the template lacks something the
 // sequence needs (IncompleteInput where tolerant reading would assume it), and when no output
 // path or no template is known; the previous output file then stays as it was. Returns what
-// tolerant reading assumed, while opening and here.
+// tolerant reading assumed, while opening and here, after the ids that import-safe output
+// still repeats.
 AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
                                 const std::vector<ClipRecord>& clips,
                                 const TitleSettings& settings,
@@ -30,6 +31,8 @@ struct TitleSequence {
   xml::Document document;
   // What tolerant reading assumed while placing each clip, indexed like the clips.
   std::vector<std::vector<std::string>> assumptions;
+  // Import-safe output: the ids that the document still repeats, one warning line each.
+  std::vector<std::string> warnings;
 };
 
 // The title sequence that create_fcp_xml writes, without writing it.

@@ -21,6 +21,9 @@ struct TitleSettings {
   bool timecode_reader = false;
   // Take clips that lack something with a stated assumption instead of stopping.
   bool tolerant = false;
+  // Write what importers that resolve ids read as written: titles with ids, rate and UUIDs of
+  // their own, each media file defined where it is first used.
+  bool import_safe = false;
 
   void set_rate(const RateRecord& rate) {
     ntsc = std::string(rate.ntsc);

@@ -43,13 +43,13 @@ class ControllerTest : public ::testing::Test {
   test::TempDir dir;
   Menu templates, choices[5];
   Field name, labels[5];
-  Box tcr, tolerant;
+  Box tcr, tolerant, import_safe;
   Display display;
   RecordingSink out;
   std::string output = dir.file("Quillory.xml");
   Controller controller{Form{templates, name, labels[0], labels[1], labels[2], labels[3],
                              labels[4], choices[0], choices[1], choices[2], choices[3],
-                             choices[4], tcr, tolerant, display, display},
+                             choices[4], tcr, tolerant, import_safe, display, display},
                         out, OutputPaths{dir.path().string(), output}};
 };
 

@@ -85,6 +85,7 @@ class MainWindowTest : public QObject {
     return values << control<QComboBox>("ratePopup")->currentText()
                   << QString::number(control<QCheckBox>("tcrCheckbox")->isChecked())
                   << QString::number(control<QCheckBox>("tolerantCheckbox")->isChecked())
+                  << QString::number(control<QCheckBox>("importSafeCheckbox")->isChecked())
                   << QStringLiteral("%1x%2").arg(window_->width()).arg(window_->height());
   }
 
@@ -125,6 +126,7 @@ class MainWindowTest : public QObject {
                             "Date (3/13/2010), Time"};
     setLines(labels, lines);
     control<QCheckBox>("tcrCheckbox")->setChecked(true);
+    control<QCheckBox>("importSafeCheckbox")->setChecked(true);
     const QString preview = window_->findChild<quillory::gui::TitlePreview*>()->text();
     QVERIFY2(preview.startsWith("Clip: A001C003\n\n"), qPrintable(preview));
 
@@ -134,7 +136,8 @@ class MainWindowTest : public QObject {
     QTemporaryDir folder;
     const QString expected = folder.filePath(QStringLiteral("cli.xml"));
     QStringList arguments{"--template", templates->currentText(), "--name", "Day 1 & titles",
-                          "--rate", rates->currentText(), "--tcr", "--quiet", "--output", expected};
+                          "--rate", rates->currentText(), "--tcr", "--import-safe", "--quiet",
+                          "--output", expected};
     for (int line = 1; line <= 5; ++line) {
       arguments << QStringLiteral("--label%1").arg(line) << labels[line - 1]
                 << QStringLiteral("--line%1").arg(line) << lines[line - 1];
@@ -217,6 +220,7 @@ class MainWindowTest : public QObject {
              {" ", "Text", "Shot/Take", "Date (13/3/2010), Time", "Scene"});
     control<QCheckBox>("tcrCheckbox")->setChecked(true);
     control<QCheckBox>("tolerantCheckbox")->setChecked(true);
+    control<QCheckBox>("importSafeCheckbox")->setChecked(true);
     control<QComboBox>("ratePopup")->setCurrentIndex(2);
     window_->resize(900, 700);
     const QStringList before = remembered();
