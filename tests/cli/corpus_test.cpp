@@ -3,6 +3,7 @@
 // that names the file (and, for a clip that lacks something, the clip and its line), writing
 // nothing. Recording the outcome of each file (tests/cli/corpus_outcomes) makes any change of
 // behaviour show. A file written both ways needed no assumption, so both files are the same.
+// Every file written is written import-safe too, and must read back through its ids as written.
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@
 #include <fstream>
 #include <map>
 
+#include "import_view.h"
 #include "test_support.h"
 
 namespace quillory {
@@ -51,6 +53,11 @@ std::string check_outcome(const fs::path& source, const std::string& outcome,
     EXPECT_EQ(warned, outcome == "assumed") << err;
     const std::string written = test::read_file(dir.file("out.xml"));
     EXPECT_EQ(test::texts(test::parse(written), "count(/xmeml/sequence/media/video/track)"), "2|");
+    // Import-safe, it reads back through its ids as written.
+    argv.insert(argv.end() - 1, "--import-safe");
+    EXPECT_EQ(test::run_command(argv, {"XDG_DATA_HOME=" + dir.path().string()}).exit_code, 0);
+    const auto view = test::read_as_importers_do(test::read_file(dir.file("out.xml")));
+    EXPECT_EQ(view.as_resolved, view.as_written);
     return written;
   }
   const auto path = err.find(source.string());

@@ -1,0 +1,63 @@
+#include "import_view.h"
+
+#include <unordered_map>
+
+#include "test_support.h"
+#include "xml/xml_nodes.h"
+#include "xml/xpath_query.h"
+
+namespace quillory::test {
+namespace {
+
+using Index = std::unordered_map<std::string, xmlNode*>;
+
+std::string text_at(xmlNode* node, const char* path) {
+  return node ? xml::text_content(xml::XPathQuery(path).first(node)) : "";
+}
+
+// An item's facts; its file named by `file`, the element that stands for its <file>.
+std::string describe(const std::string& track, xmlNode* item, xmlNode* file) {
+  return track + " " + reinterpret_cast<const char*>(item->name) + " " + text_at(item, "name") +
+         " " + text_at(item, "start") + "-" + text_at(item, "end") + " " +
+         text_at(item, "duration") + " rate " + text_at(item, "rate/timebase") + " file " +
+         text_at(file, "name") + " text " + text_at(item, "effect/parameter/value");
+}
+
+xmlNode* first_of(const Index& index, xmlNode* element) {
+  const auto id = element ? xml::attribute(element, "id") : std::nullopt;
+  return id ? index.at(*id) : element;
+}
+
+}  // namespace
+
+ImportView read_as_importers_do(const std::string& xml_text) {
+  const xml::Document doc = parse(xml_text);
+  xmlNode* root = xml::as_node(doc.get());
+  Index first, defined;
+  for (xmlNode* element : xml::XPathQuery("//*[@id]").all(root)) {
+    const std::string id = *xml::attribute(element, "id");
+    first.emplace(id, element);
+    if (element->children != nullptr) defined.emplace(id, element);
+  }
+  ImportView view;
+  view.sequence_rate = text_at(root, "/xmeml/sequence/rate/timebase");
+  for (const char* kind : {"video", "audio"}) {
+    const auto tracks =
+        xml::XPathQuery(("/xmeml/sequence/media/" + std::string(kind) + "/track").c_str()).all(root);
+    for (std::size_t t = 0; t < tracks.size(); ++t) {
+      const std::string track = (kind[0] == 'v' ? "V" : "A") + std::to_string(t + 1);
+      for (xmlNode* item : xml::XPathQuery("clipitem | generatoritem").all(tracks[t])) {
+        xmlNode* file = xml::first_child_element(item, "file");
+        const auto file_id = file ? xml::attribute(file, "id") : std::nullopt;
+        xmlNode* definition = file_id && defined.count(*file_id) ? defined.at(*file_id) : file;
+        view.as_written.push_back(describe(track, item, definition));
+        xmlNode* resolved = first_of(first, item);
+        view.as_resolved.push_back(
+            describe(track, resolved, first_of(first, xml::first_child_element(resolved, "file"))));
+      }
+    }
+  }
+  return view;
+}
+
+}  // namespace quillory::test
