@@ -25,12 +25,10 @@ std::string name_uuid(const std::string& name) {
   return text;
 }
 
-// The name a UUID of the run derives from: the source (as an absolute path, so that the same
-// file gives the same UUIDs from any folder), the sequence name and what it is for.
+// The name a UUID of the run derives from: the source's file name (not its folder, so that a
+// copy of the project elsewhere writes the same file), the sequence name and what it is for.
 std::string uuid_name(const ImportSafeRun& run, const std::string& what) {
-  std::error_code error;
-  const auto source = std::filesystem::absolute(run.source, error);
-  return "quillory:" + (error ? run.source : source.lexically_normal().string()) + "\n" +
+  return "quillory:" + std::filesystem::path(run.source).filename().string() + "\n" +
          run.sequence_name + "\n" + what;
 }
 

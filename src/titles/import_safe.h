@@ -14,7 +14,7 @@
 namespace quillory {
 
 struct ImportSafeRun {
-  std::string source;         // the source document's path, which the UUIDs derive from
+  std::string source;         // the source document's path, whose file name the UUIDs derive from
   std::string sequence_name;  // likewise
   long long duration = 0;     // the end of the last clip
 };
