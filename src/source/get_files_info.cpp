@@ -4,7 +4,6 @@
 #include "xml/failure.h"
 #include "source/media_file_record.h"
 #include "xml/xml_nodes.h"
-#include "xml/xpath_query.h"
 
 namespace quillory {
 namespace {
@@ -48,8 +47,8 @@ class FileReader {
     }
     record.id = xml::attribute(file, "id");
     record.name = xml::text_content(name);
-    record.reel = xml::text_content(reel_name_.first(file));
-    record.frame_string = xml::text_content(timecode_string_.first(file));
+    record.reel = xml::text_content(xml::first_descendant(file, "name", "reel"));
+    record.frame_string = xml::text_content(xml::first_descendant(file, "string", "timecode"));
     record.time = recording_time(file);
     return record;
   }
@@ -140,8 +139,6 @@ class FileReader {
 
   bool tolerant_;
   std::vector<std::string>* made_ = nullptr;
-  xml::XPathQuery reel_name_{".//reel/name"};
-  xml::XPathQuery timecode_string_{".//timecode/string"};
 };
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include "source/parse_xml_file.h"
 #include "xml/read_xml.h"
 #include "xml/xml_nodes.h"
-#include "xml/xpath_query.h"
 #include "startup/frame_rates.h"
 
 namespace quillory {
@@ -40,18 +39,6 @@ class Catalogue {
   std::optional<std::size_t> first_without_id_;
 };
 
-// The per-clip queries, compiled once for the whole open.
-struct ClipQueries {
-  xml::XPathQuery generator_item{"media/video/track/generatoritem"};
-  xml::XPathQuery effect_id{"effect/effectid"};
-  xml::XPathQuery file{".//file"};
-  xml::XPathQuery scene{"logginginfo/scene"};
-  xml::XPathQuery shottake{"logginginfo/shottake"};
-  xml::XPathQuery lognote{"logginginfo/lognote"};
-  xml::XPathQuery ntsc{".//ntsc"};
-  xml::XPathQuery timebase{".//timebase"};
-};
-
 std::string clip_label(const std::string& name, const xmlNode* clip) {
   return "clip \"" + name + "\" (" + xml::where(clip) + ")";
 }
@@ -71,7 +58,7 @@ class ClipReader {
  public:
   ClipReader(const xml::SharedDocument& doc, bool tolerant, OpenedSource& opened, LineSink& out)
       : doc_(doc), tolerant_(tolerant), opened_(opened), out_(out),
-        catalogue_(get_files_info(xml::XPathQuery("//file").all(xml::as_node(doc.get())), out,
+        catalogue_(get_files_info(xml::all_descendants(xml::as_node(doc.get()), "file"), out,
                                   tolerant)) {}
 
   void read(xmlNode* clip) {
@@ -82,7 +69,7 @@ class ClipReader {
                      "no <name>, name left empty");
     }
     const std::string name = xml::text_content(name_node);
-    if (xmlNode* item = queries_.generator_item.first(clip)) {
+    if (xmlNode* item = xml::first_element_at(clip, {"media", "video", "track", "generatoritem"})) {
       read_generator_clip(item, name, std::move(made));
     } else {
       read_media_clip(clip, name, std::move(made));
@@ -92,7 +79,7 @@ class ClipReader {
  private:
   void read_generator_clip(xmlNode* item, const std::string& name,
                            std::vector<std::string> made) {
-    xmlNode* effect_id = queries_.effect_id.first(item);
+    xmlNode* effect_id = xml::first_element_at(item, {"effect", "effectid"});
     if (effect_id == nullptr) return;
     const std::string type = xml::text_content(effect_id);
     if (type == "Text" || type == "Outline Text") {
@@ -113,9 +100,9 @@ class ClipReader {
     if (tolerant_ && xml::first_child_element(clip, "logginginfo") == nullptr) {
       made.emplace_back("no <logginginfo>, scene, shot/take and log note left empty");
     } else {
-      record.scene = logged(queries_.scene, clip, name, "scene", made);
-      record.shottake = logged(queries_.shottake, clip, name, "shot/take", made);
-      record.lognote = logged(queries_.lognote, clip, name, "log note", made);
+      record.scene = logged(clip, "scene", name, "scene", made);
+      record.shottake = logged(clip, "shottake", name, "shot/take", made);
+      record.lognote = logged(clip, "lognote", name, "log note", made);
     }
     record.xml = clip;
     record.document = doc_;
@@ -127,7 +114,7 @@ class ClipReader {
   // The catalogue record of the clip's media file; none (tolerant only) when there is none.
   const MediaFileRecord* find_media(xmlNode* clip, const std::string& name,
                                     std::vector<std::string>& made) {
-    xmlNode* file = queries_.file.first(clip);
+    xmlNode* file = xml::first_descendant(clip, "file");
     if (file == nullptr) {
       assume_or_fail(tolerant_, made, clip_label(name, clip) + " has no <file> element",
                      "no <file>, file facts left empty");
@@ -145,22 +132,24 @@ class ClipReader {
     return media;
   }
 
-  std::string logged(xml::XPathQuery& query, xmlNode* clip, const std::string& name,
+  // The text of the clip's logginginfo/`element`.
+  std::string logged(xmlNode* clip, const char* element, const std::string& name,
                      const std::string& field, std::vector<std::string>& made) {
-    xmlNode* node = query.first(clip);
+    xmlNode* node = xml::first_element_at(clip, {"logginginfo", element});
     if (node == nullptr) {
+      const std::string path = std::string("logginginfo/") + element;
       assume_or_fail(tolerant_, made,
-                     clip_label(name, clip) + " has no <" + query.expression() +
+                     clip_label(name, clip) + " has no <" + path +
                          ">; a media clip must log its scene, shot/take and log note (empty "
                          "elements will do)",
-                     "no <" + query.expression() + ">, " + field + " left empty");
+                     "no <" + path + ">, " + field + " left empty");
     }
     return xml::text_content(node);
   }
 
   void read_rate(xmlNode* clip, const std::string& name, std::vector<std::string>& made) {
-    xmlNode* ntsc_node = queries_.ntsc.first(clip);
-    xmlNode* timebase_node = queries_.timebase.first(clip);
+    xmlNode* ntsc_node = xml::first_descendant(clip, "ntsc");
+    xmlNode* timebase_node = xml::first_descendant(clip, "timebase");
     const bool missing = ntsc_node == nullptr || timebase_node == nullptr;
     if (missing) {
       const std::string element = ntsc_node == nullptr ? "ntsc" : "timebase";
@@ -200,7 +189,6 @@ class ClipReader {
   bool tolerant_;
   OpenedSource& opened_;
   LineSink& out_;
-  ClipQueries queries_;
   Catalogue catalogue_;
 };
 
@@ -220,8 +208,7 @@ bool remove_duplicates(std::vector<std::string>& names) {
 void read_clips(const xml::SharedDocument& doc, bool tolerant, OpenedSource& opened,
                 LineSink& out) {
   ClipReader reader(doc, tolerant, opened, out);
-  xml::XPathQuery all_clips("//clip");
-  for (xmlNode* clip : all_clips.all(xml::as_node(doc.get()))) reader.read(clip);
+  for (xmlNode* clip : xml::all_descendants(xml::as_node(doc.get()), "clip")) reader.read(clip);
 }
 
 }  // namespace

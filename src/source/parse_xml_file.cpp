@@ -43,6 +43,12 @@ std::string read_file_bytes(const std::string& path) {
     throw std::system_error(errno, std::generic_category(), "quillory: cannot open " + path);
   }
   std::string bytes;
+  // The size is only a hint: reading goes on to the end whatever it says.
+  if (std::fseek(file.get(), 0, SEEK_END) == 0) {
+    const long size = std::ftell(file.get());
+    if (size > 0) bytes.reserve(static_cast<std::size_t>(size));
+    std::rewind(file.get());
+  }
   char buffer[1 << 16];
   std::size_t count = 0;
   while ((count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0) bytes.append(buffer, count);

@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 
 namespace quillory::xml {
@@ -12,7 +13,71 @@ bool is_element_named(const xmlNode* node, const char* name) {
          std::strcmp(reinterpret_cast<const char*>(node->name), name) == 0;
 }
 
+// Appends to `found` the elements below `node` along the remaining steps, in document order;
+// stops once `found` holds `limit` of them.
+void collect_at(const xmlNode* node, const char* const* step, const char* const* end,
+                std::vector<xmlNode*>& found, std::size_t limit) {
+  for (xmlNode* child = node->children; child != nullptr && found.size() < limit;
+       child = child->next) {
+    if (!is_element_named(child, *step)) continue;
+    if (step + 1 == end) {
+      found.push_back(child);
+    } else {
+      collect_at(child, step + 1, end, found, limit);
+    }
+  }
+}
+
 }  // namespace
+
+namespace {
+
+// Walks the elements below `node` in document order, without recursion, until `visit` returns
+// true; returns the element it stopped at, or null.
+template <class Visit>
+xmlNode* walk_below(const xmlNode* node, Visit visit) {
+  const xmlNode* current = node->children;
+  while (current != nullptr) {
+    if (current->type == XML_ELEMENT_NODE && visit(current)) return const_cast<xmlNode*>(current);
+    if (current->type == XML_ELEMENT_NODE && current->children != nullptr) {
+      current = current->children;
+      continue;
+    }
+    while (current != node && current->next == nullptr) current = current->parent;
+    current = current == node ? nullptr : current->next;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+xmlNode* first_descendant(const xmlNode* node, const char* name, const char* parent) {
+  return walk_below(node, [name, parent](const xmlNode* element) {
+    return is_element_named(element, name) &&
+           (parent == nullptr || is_element_named(element->parent, parent));
+  });
+}
+
+std::vector<xmlNode*> all_descendants(const xmlNode* node, const char* name) {
+  std::vector<xmlNode*> found;
+  walk_below(node, [name, &found](const xmlNode* element) {
+    if (is_element_named(element, name)) found.push_back(const_cast<xmlNode*>(element));
+    return false;
+  });
+  return found;
+}
+
+std::vector<xmlNode*> elements_at(const xmlNode* node, std::initializer_list<const char*> path) {
+  std::vector<xmlNode*> found;
+  if (path.size() > 0) collect_at(node, path.begin(), path.end(), found, SIZE_MAX);
+  return found;
+}
+
+xmlNode* first_element_at(const xmlNode* node, std::initializer_list<const char*> path) {
+  std::vector<xmlNode*> found;
+  if (path.size() > 0) collect_at(node, path.begin(), path.end(), found, 1);
+  return found.empty() ? nullptr : found.front();
+}
 
 std::string text_content(const xmlNode* node) {
   if (node == nullptr) return {};

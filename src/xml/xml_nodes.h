@@ -2,7 +2,9 @@
 // Small reads and writes on elements that every part of the system needs.
 
 #include <optional>
+#include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "xml/xml_handles.h"
 
@@ -17,6 +19,20 @@ xmlNode* first_child_element(const xmlNode* parent, const char* name);
 
 // The last child element with the given name, or null.
 xmlNode* last_child_element(const xmlNode* parent, const char* name);
+
+// What the relative XPath ".//NAME" selects first (".//PARENT/NAME" with `parent`): the first
+// element named `name` below `node` in document order, whose parent is named `parent` when
+// one is given; or null. Stops at the first match, where XPath would collect them all.
+xmlNode* first_descendant(const xmlNode* node, const char* name, const char* parent = nullptr);
+
+// What the XPath "//NAME" selects in the document or subtree of `node`: every element below it
+// named `name`, in document order.
+std::vector<xmlNode*> all_descendants(const xmlNode* node, const char* name);
+
+// What the relative XPath made of the child steps `path` ("media/video/track/clipitem")
+// selects from `node`, in document order; `first_element_at` the first of them, or null.
+std::vector<xmlNode*> elements_at(const xmlNode* node, std::initializer_list<const char*> path);
+xmlNode* first_element_at(const xmlNode* node, std::initializer_list<const char*> path);
 
 std::optional<std::string> attribute(const xmlNode* node, const char* name);
 
