@@ -11,7 +11,6 @@
 #include "source/clip_record.h"
 #include "titles/title_settings.h"
 #include "xml/line_sink.h"
-#include "xml/xml_handles.h"
 
 namespace quillory {
 
@@ -26,18 +25,5 @@ AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
                                 const std::vector<ClipRecord>& clips,
                                 const TitleSettings& settings,
                                 const std::optional<std::string>& output_path, LineSink& out);
-
-struct TitleSequence {
-  xml::Document document;
-  // What tolerant reading assumed while placing each clip, indexed like the clips.
-  std::vector<std::vector<std::string>> assumptions;
-  // Import-safe output: the ids that the document still repeats, one warning line each.
-  std::vector<std::string> warnings;
-};
-
-// The title sequence that create_fcp_xml writes, without writing it.
-TitleSequence build_title_sequence(const std::vector<TitleTemplate>& templates,
-                                   const std::vector<ClipRecord>& clips,
-                                   const TitleSettings& settings, LineSink& out);
 
 }  // namespace quillory

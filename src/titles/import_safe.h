@@ -1,11 +1,13 @@
 #pragma once
 // Import-safe output. In xmeml the first element carrying an id defines it, and a later element
 // with the same id is read as a reference to the first, whatever it holds; importers resolve
-// ids that way. This pass rewrites a title sequence so that such a reader gets what was
-// written: every title an id of its own and the sequence's rate, each media file defined where
-// it is first used, the sequence's real duration, and UUIDs of its own.
+// ids that way. These changes make such a reader get what was written: every title an id, a
+// rate and a UUID of its own, each media file defined where it is first used, the sequence's
+// real duration and a UUID of its own.
 
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "source/clip_record.h"
@@ -19,9 +21,33 @@ struct ImportSafeRun {
   long long duration = 0;     // the end of the last clip
 };
 
-// Rewrites `output` (a title sequence built from `clips`, titles on video track 2) in place.
-// Returns a warning line for every id that the document still repeats.
-std::vector<std::string> make_import_safe(xmlDoc* output, const std::vector<ClipRecord>& clips,
-                                          const ImportSafeRun& run);
+// Applied to the parts of the output in the order they are written.
+class ImportSafeOutput {
+ public:
+  ImportSafeOutput(const std::vector<ClipRecord>& clips, ImportSafeRun run);
+
+  // The sequence's duration and UUID; `outline` (the document before any item is added) is
+  // what every later id is checked against first.
+  void prepare_sequence(xmlNode* sequence, xmlNode* outline);
+  // Title `number` (from 1) of the run: its id, master clip id, UUID and the sequence's rate.
+  void prepare_title(xmlNode* title, std::size_t number);
+  // An item about to be written: its files defined where first used, its ids checked.
+  void prepare_item(xmlNode* item);
+
+  // A warning line for every id that the document still repeats.
+  const std::vector<std::string>& warnings() const { return warnings_; }
+
+ private:
+  void define_files(xmlNode* item);
+  void check_ids(xmlNode* item);
+
+  ImportSafeRun run_;
+  std::unordered_map<std::string, const xmlNode*> definitions_;  // the source's, first per id
+  std::unordered_set<std::string> defined_;                      // ids the output has defined
+  std::unordered_map<std::string, std::string> first_with_id_;   // id: who carried it first
+  std::string ntsc_;
+  std::string timebase_;
+  std::vector<std::string> warnings_;
+};
 
 }  // namespace quillory

@@ -56,27 +56,25 @@ long long clip_length(const xmlNode* clip, const xmlNode* video_item, const xmlN
   return length;
 }
 
-std::string set_item_timing(xmlNode* item, const std::string& start, const std::string& end,
-                            const std::string& owner, bool tolerant) {
-  xmlNode* start_node = xml::first_child_element(item, "start");
-  xmlNode* end_node = xml::first_child_element(item, "end");
-  std::string missing;
-  if (start_node == nullptr || end_node == nullptr) {
-    if (!tolerant) {
-      throw IncompleteInput("quillory: " + owner + " has no " +
-                            (start_node == nullptr ? "<start>" : "<end>") +
-                            "; a placed clip item needs <start> and <end> (any value will do, "
-                            "as both are rewritten)");
-    }
-    missing = start_node != nullptr ? "<end>"
-              : end_node != nullptr ? "<start>"
-                                    : "<start>/<end>";
+std::string check_item_timing(const xmlNode* item, const std::string& owner, bool tolerant) {
+  const bool has_start = has(item, "start");
+  const bool has_end = has(item, "end");
+  if (has_start && has_end) return "";
+  if (!tolerant) {
+    throw IncompleteInput("quillory: " + owner + " has no " + (has_start ? "<end>" : "<start>") +
+                          "; a placed clip item needs <start> and <end> (any value will do, as "
+                          "both are rewritten)");
   }
+  return has_start ? "<end>" : has_end ? "<start>" : "<start>/<end>";
+}
+
+void set_item_timing(xmlNode* item, const std::string& start, const std::string& end) {
+  xmlNode* start_node = xml::first_child_element(item, "start");
   if (start_node == nullptr) start_node = insert_start(item);
+  xmlNode* end_node = xml::first_child_element(item, "end");
   if (end_node == nullptr) end_node = xmlAddNextSibling(start_node, new_element(item, "end"));
   xml::set_text(start_node, start);
   xml::set_text(end_node, end);
-  return missing;
 }
 
 void UntimedItems::add(const std::string& missing, std::size_t audio_number) {

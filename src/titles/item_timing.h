@@ -16,19 +16,20 @@ namespace quillory {
 long long clip_length(const xmlNode* clip, const xmlNode* video_item, const xmlNode* audio_item,
                       const std::string& label, bool tolerant, std::vector<std::string>& made);
 
-// Sets the placed item's <start> and <end>. Tolerant reading adds those it lacks where xmeml
-// puts them (<start> after <rate>, else before <in>, else last; <end> after <start>) and
-// returns which it added: "<start>", "<end>", "<start>/<end>", or "" when none. `owner` names
-// the item in the error.
-std::string set_item_timing(xmlNode* item, const std::string& start, const std::string& end,
-                            const std::string& owner, bool tolerant);
+// Which of <start> and <end> the item lacks: "<start>", "<end>", "<start>/<end>", or "" when
+// none. Strict reading throws IncompleteInput for either, naming the item as `owner`.
+std::string check_item_timing(const xmlNode* item, const std::string& owner, bool tolerant);
+
+// Sets the placed copy's <start> and <end>, adding those it lacks where xmeml puts them:
+// <start> after <rate>, else before <in>, else last; <end> after <start>.
+void set_item_timing(xmlNode* item, const std::string& start, const std::string& end);
 
 // The placed items of one clip that lacked <start> or <end>, grouped by what they lacked, so
 // that one phrase tells each group: "video clip item and audio clip items 1, 2 have no
 // <start>/<end>, added".
 class UntimedItems {
  public:
-  // `missing` as set_item_timing returns it; `audio_number` counts the clip's audio items
+  // `missing` as check_item_timing returns it; `audio_number` counts the clip's audio items
   // from 1, and 0 is its video item.
   void add(const std::string& missing, std::size_t audio_number);
   void describe(std::vector<std::string>& made) const;

@@ -58,6 +58,13 @@ xmlNode* first_descendant(const xmlNode* node, const char* name, const char* par
   });
 }
 
+void walk_elements(const xmlNode* node, const std::function<void(xmlNode*)>& visit) {
+  walk_below(node, [&visit](const xmlNode* element) {
+    visit(const_cast<xmlNode*>(element));
+    return false;
+  });
+}
+
 std::vector<xmlNode*> all_descendants(const xmlNode* node, const char* name) {
   std::vector<xmlNode*> found;
   walk_below(node, [name, &found](const xmlNode* element) {

@@ -2,6 +2,7 @@
 // Small reads and writes on elements that every part of the system needs.
 
 #include <optional>
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -28,6 +29,9 @@ xmlNode* first_descendant(const xmlNode* node, const char* name, const char* par
 // What the XPath "//NAME" selects in the document or subtree of `node`: every element below it
 // named `name`, in document order.
 std::vector<xmlNode*> all_descendants(const xmlNode* node, const char* name);
+
+// Calls `visit` with every element below `node`, in document order.
+void walk_elements(const xmlNode* node, const std::function<void(xmlNode*)>& visit);
 
 // What the relative XPath made of the child steps `path` ("media/video/track/clipitem")
 // selects from `node`, in document order; `first_element_at` the first of them, or null.

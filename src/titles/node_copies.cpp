@@ -1,0 +1,79 @@
+#include "titles/node_copies.h"
+
+#include <new>
+
+#include "xml/xml_nodes.h"
+
+namespace quillory {
+namespace {
+
+bool is_blank(const xmlNode* node) {
+  if (node->type != XML_TEXT_NODE || node->content == nullptr) return false;
+  for (const xmlChar* c = node->content; *c != 0; ++c) {
+    if (*c != ' ' && *c != '\t' && *c != '\n' && *c != '\r') return false;
+  }
+  return true;
+}
+
+xmlNode* append_copies(xmlNode* parent, xmlNode* first) {
+  xmlNode* last_element = nullptr;
+  for (xmlNode* source = first; source != nullptr; source = source->next) {
+    xml::Node copy(xmlDocCopyNode(source, parent->doc, 1));
+    if (!copy) throw std::bad_alloc();
+    const bool is_element = copy->type == XML_ELEMENT_NODE;
+    xmlNode* added = xmlAddChild(parent, copy.release());  // may merge and free a text node
+    if (is_element) last_element = added;
+  }
+  return last_element;
+}
+
+}  // namespace
+
+xml::Node clean_copy(const xmlNode* node, xmlDoc* output) {
+  xml::Node copy(xmlDocCopyNode(const_cast<xmlNode*>(node), output, 1));
+  if (!copy) throw std::bad_alloc();
+  if (copy->type == XML_ELEMENT_NODE) remove_formatting_blanks(copy.get());
+  return copy;
+}
+
+xmlNode* append_copy(xmlNode* parent, xmlNode* node) {
+  if (node->type == XML_DOCUMENT_NODE || node->type == XML_HTML_DOCUMENT_NODE) {
+    return append_copies(parent, node->children);
+  }
+  xml::Node copy(xmlDocCopyNode(node, parent->doc, 1));
+  if (!copy) throw std::bad_alloc();
+  return xmlAddChild(parent, copy.release());
+}
+
+void remove_formatting_blanks(xmlNode* element) {
+  bool has_child_element = false;
+  for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
+    has_child_element = has_child_element || child->type == XML_ELEMENT_NODE;
+  }
+  if (!has_child_element) return;
+  for (xmlNode* child = element->children; child != nullptr;) {
+    xmlNode* next = child->next;
+    if (is_blank(child)) {
+      xmlUnlinkNode(child);
+      xmlFreeNode(child);
+    } else if (child->type == XML_ELEMENT_NODE) {
+      remove_formatting_blanks(child);
+    }
+    child = next;
+  }
+}
+
+void remove_link_indexes(xmlNode* item) {
+  std::vector<xmlNode*> links = xml::all_descendants(item, "link");
+  if (xmlStrEqual(item->name, BAD_CAST "link")) links.insert(links.begin(), item);
+  for (xmlNode* link : links) {
+    for (const char* index : {"mediatype", "trackindex", "clipindex", "groupindex"}) {
+      while (xmlNode* child = xml::first_child_element(link, index)) {
+        xmlUnlinkNode(child);
+        xmlFreeNode(child);
+      }
+    }
+  }
+}
+
+}  // namespace quillory

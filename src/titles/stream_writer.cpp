@@ -1,0 +1,108 @@
+#include "titles/stream_writer.h"
+
+#include <algorithm>
+#include <new>
+#include <string>
+
+namespace quillory {
+namespace {
+
+// An attribute value in double quotes, escaped as libxml2 escapes it.
+std::string quoted_attribute(const xmlChar* value) {
+  std::string text = "\"";
+  for (const xmlChar* c = value; c != nullptr && *c != 0; ++c) {
+    switch (*c) {
+      case '&': text += "&amp;"; break;
+      case '<': text += "&lt;"; break;
+      case '>': text += "&gt;"; break;
+      case '"': text += "&quot;"; break;
+      case '\n': text += "&#10;"; break;
+      case '\r': text += "&#13;"; break;
+      case '\t': text += "&#9;"; break;
+      default: text += static_cast<char>(*c);
+    }
+  }
+  return text + "\"";
+}
+
+}  // namespace
+
+StreamWriter::StreamWriter(int fd) : out_(xmlOutputBufferCreateFd(fd, nullptr)) {
+  if (out_ == nullptr) throw std::bad_alloc();
+}
+
+StreamWriter::~StreamWriter() {
+  if (out_ != nullptr) xmlOutputBufferClose(out_);
+}
+
+void StreamWriter::write(xmlDoc* doc, const std::vector<xmlNode*>& expand,
+                         const std::function<void(std::size_t)>& fill) {
+  doc_ = doc;
+  expand_ = expand;
+  fill_ = &fill;
+  outline_.clear();
+  for (const xmlNode* node : expand) {
+    for (; node != nullptr && node->type == XML_ELEMENT_NODE; node = node->parent) {
+      outline_.insert(node);
+    }
+  }
+  raw("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+  for (xmlNode* node = doc->children; node != nullptr; node = node->next) {
+    write_node(node, 0);
+    raw("\n");
+  }
+}
+
+void StreamWriter::child(xmlNode* node) {
+  raw("\n");
+  indent(child_level_);
+  xmlNodeDumpOutput(out_, doc_, node, child_level_, 1, "UTF-8");
+}
+
+bool StreamWriter::finish() {
+  const int closed = xmlOutputBufferClose(out_);
+  out_ = nullptr;
+  return closed >= 0;
+}
+
+void StreamWriter::write_node(xmlNode* node, int level) {
+  if (outline_.count(node) == 0) {
+    xmlNodeDumpOutput(out_, doc_, node, level, 1, "UTF-8");
+    return;
+  }
+  write_start_tag(node);
+  for (xmlNode* child = node->children; child != nullptr; child = child->next) {
+    raw("\n");
+    indent(level + 1);
+    write_node(child, level + 1);
+  }
+  const auto expanded = std::find(expand_.begin(), expand_.end(), node);
+  if (expanded != expand_.end()) {
+    child_level_ = level + 1;
+    (*fill_)(static_cast<std::size_t>(expanded - expand_.begin()));
+  }
+  raw("\n");
+  indent(level);
+  raw("</");
+  raw(reinterpret_cast<const char*>(node->name));
+  raw(">");
+}
+
+void StreamWriter::write_start_tag(const xmlNode* element) {
+  std::string tag = "<" + std::string(reinterpret_cast<const char*>(element->name));
+  for (const xmlAttr* attribute = element->properties; attribute != nullptr;
+       attribute = attribute->next) {
+    xml::XmlString value(xmlNodeListGetString(element->doc, attribute->children, 1));
+    tag += " " + std::string(reinterpret_cast<const char*>(attribute->name)) + "=" +
+           quoted_attribute(value.get());
+  }
+  raw((tag + ">").c_str());
+}
+
+void StreamWriter::raw(const char* text) { xmlOutputBufferWriteString(out_, text); }
+
+void StreamWriter::indent(int level) {
+  for (int i = 0; i < level; ++i) raw("  ");
+}
+
+}  // namespace quillory
