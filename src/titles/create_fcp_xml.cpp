@@ -240,22 +240,22 @@ class ItemWriter {
     out.child(item.get());
   }
 
+  // Titles differ only in a few fields, so libxml2 writes the first one and every title is
+  // that text with its own fields.
   void write_title(StreamWriter& out, const PlacedClip& clip, std::size_t number) {
-    std::vector<xml::Node> nodes = title_.make(clip.start, clip.end, clip.length, clip.title_text);
-    for (auto& node : nodes) {
-      if (import_safe_ != nullptr && node.get() == last_element(nodes)) {
-        import_safe_->prepare_title(node.get(), number);
-      }
-      if (import_safe_ != nullptr) import_safe_->prepare_item(node.get());
-      out.child(node.get());
+    if (!title_text_) {
+      title_text_ = title_.serialize(out.child_level(), import_safe_ != nullptr,
+                                     [this](xmlNode* title) {
+                                       if (import_safe_) import_safe_->prepare_title_template(title);
+                                     });
     }
-  }
-
-  static xmlNode* last_element(const std::vector<xml::Node>& nodes) {
-    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
-      if (node->get()->type == XML_ELEMENT_NODE) return node->get();
+    TitlePrototype::Fields fields{clip.start, clip.end, clip.length, clip.title_text, {}, {}};
+    if (import_safe_ != nullptr) {
+      fields.id = ImportSafeOutput::title_id(number);
+      fields.uuid = import_safe_->title_uuid(number);
+      import_safe_->note_title(number);
     }
-    return nullptr;
+    out.raw_child(title_text_->join(fields));
   }
 
   const TitleSettings& settings_;
@@ -264,6 +264,7 @@ class ItemWriter {
   const std::vector<PlacedClip>& placed_;
   ImportSafeOutput* import_safe_;
   xml::Document filter_;
+  std::optional<TitlePrototype::Text> title_text_;
 };
 
 }  // namespace

@@ -64,16 +64,30 @@ void ImportSafeOutput::prepare_sequence(xmlNode* sequence, xmlNode* outline) {
   check_ids(outline);
 }
 
-void ImportSafeOutput::prepare_title(xmlNode* title, std::size_t number) {
-  const std::string id = std::string(kTitleId) + " " + std::to_string(number);
-  xmlSetProp(title, BAD_CAST "id", BAD_CAST id.c_str());
-  set_child_text(title, "masterclipid", id);
+void ImportSafeOutput::prepare_title_template(xmlNode* title) {
   if (xmlNode* rate = xml::first_child_element(title, "rate")) {
     set_child_text(rate, "ntsc", ntsc_);
     set_child_text(rate, "timebase", timebase_);
   }
-  set_child_text(xml::first_child_element(title, "itemhistory"), "uuid",
-                 name_uuid(uuid_name(run_, "title " + std::to_string(number))));
+  title_ = describe(title);
+  xml::walk_elements(title, [this](xmlNode* element) {
+    if (!is_file(element) && xmlHasProp(element, BAD_CAST "id")) {
+      title_inner_ids_.emplace_back(*xml::attribute(element, "id"), describe(element));
+    }
+  });
+}
+
+std::string ImportSafeOutput::title_id(std::size_t number) {
+  return std::string(kTitleId) + " " + std::to_string(number);
+}
+
+std::string ImportSafeOutput::title_uuid(std::size_t number) const {
+  return name_uuid(uuid_name(run_, "title " + std::to_string(number)));
+}
+
+void ImportSafeOutput::note_title(std::size_t number) {
+  note_id(title_id(number), title_);
+  for (const auto& [id, who] : title_inner_ids_) note_id(id, who);
 }
 
 void ImportSafeOutput::prepare_item(xmlNode* item) {
@@ -98,20 +112,23 @@ void ImportSafeOutput::define_files(xmlNode* item) {
   }
 }
 
-// Warns of every element, files aside, whose id an earlier one carries: a file reference is
+// Checks every element, files aside, against the ids written before: a file reference is
 // meant to repeat its definition's id.
 void ImportSafeOutput::check_ids(xmlNode* item) {
   std::vector<xmlNode*> elements{item};
   xml::walk_elements(item, [&elements](xmlNode* element) { elements.push_back(element); });
   for (xmlNode* element : elements) {
-    if (is_file(element) || !xmlHasProp(element, BAD_CAST "id")) continue;
-    const std::string id = *xml::attribute(element, "id");
-    const auto [earlier, added] = first_with_id_.emplace(id, describe(element));
-    if (added) continue;
-    warnings_.push_back("quillory: warning: the id \"" + id + "\" of " + describe(element) +
-                        " repeats that of " + earlier->second +
-                        "; importers will read the second as the first");
+    if (!is_file(element) && xmlHasProp(element, BAD_CAST "id")) {
+      note_id(*xml::attribute(element, "id"), describe(element));
+    }
   }
+}
+
+void ImportSafeOutput::note_id(const std::string& id, const std::string& who) {
+  const auto [earlier, added] = first_with_id_.emplace(id, who);
+  if (added) return;
+  warnings_.push_back("quillory: warning: the id \"" + id + "\" of " + who + " repeats that of " +
+                      earlier->second + "; importers will read the second as the first");
 }
 
 }  // namespace quillory

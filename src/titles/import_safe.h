@@ -29,8 +29,14 @@ class ImportSafeOutput {
   // The sequence's duration and UUID; `outline` (the document before any item is added) is
   // what every later id is checked against first.
   void prepare_sequence(xmlNode* sequence, xmlNode* outline);
-  // Title `number` (from 1) of the run: its id, master clip id, UUID and the sequence's rate.
-  void prepare_title(xmlNode* title, std::size_t number);
+  // The copy of the title template that every title is written from: its rate becomes the
+  // sequence's, and its ids are kept for checking each title's.
+  void prepare_title_template(xmlNode* title);
+  // Title `number` (from 1) of the run: its id (and master clip id), and its itemhistory UUID.
+  static std::string title_id(std::size_t number);
+  std::string title_uuid(std::size_t number) const;
+  // Title `number` is about to be written: its ids are checked.
+  void note_title(std::size_t number);
   // An item about to be written: its files defined where first used, its ids checked.
   void prepare_item(xmlNode* item);
 
@@ -40,6 +46,7 @@ class ImportSafeOutput {
  private:
   void define_files(xmlNode* item);
   void check_ids(xmlNode* item);
+  void note_id(const std::string& id, const std::string& who);
 
   ImportSafeRun run_;
   std::unordered_map<std::string, const xmlNode*> definitions_;  // the source's, first per id
@@ -47,6 +54,9 @@ class ImportSafeOutput {
   std::unordered_map<std::string, std::string> first_with_id_;   // id: who carried it first
   std::string ntsc_;
   std::string timebase_;
+  // The ids inside a title besides its own, with who carries them: the same in every title.
+  std::vector<std::pair<std::string, std::string>> title_inner_ids_;
+  std::string title_;  // who a title is, in a warning
   std::vector<std::string> warnings_;
 };
 

@@ -6,6 +6,7 @@
 // level, indented as libxml2 indents.
 
 #include <functional>
+#include <string>
 #include <unordered_set>
 #include <vector>
 
@@ -31,6 +32,10 @@ class StreamWriter {
 
   // Writes one child of the element being filled; the caller may free it afterwards.
   void child(xmlNode* node);
+  // Writes the text of children of the element being filled, as libxml2 writes them at
+  // child_level(): a line break and the indentation before each.
+  void raw_child(const std::string& text);
+  int child_level() const { return child_level_; }
 
   // Flushes and closes the output; false when any write failed.
   bool finish();

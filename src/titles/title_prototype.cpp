@@ -1,7 +1,11 @@
 #include "titles/title_prototype.h"
 
 #include <array>
+#include <memory>
 #include <new>
+#include <string_view>
+
+#include <libxml/xmlIO.h>
 
 #include "titles/node_copies.h"
 #include "xml/failure.h"
@@ -73,9 +77,7 @@ std::vector<xml::Node> TitlePrototype::make(const std::string& start, const std:
   for (const xmlNode* node = copy_->children; node != nullptr; node = node->next) {
     nodes.push_back(clean_copy(node, copy_->doc));
   }
-  auto last = nodes.rbegin();
-  while (last->get()->type != XML_ELEMENT_NODE) ++last;
-  xmlNode* title = last->get();
+  xmlNode* title = last_element(nodes);
   remove_link_indexes(title);
   xml::set_text(xml::first_child_element(title, "name"), kTitleName);
   xml::set_text(xml::first_child_element(title, "duration"), length);
@@ -86,6 +88,103 @@ std::vector<xml::Node> TitlePrototype::make(const std::string& start, const std:
     xml::set_text(xml::elements_at(title, {"effect", "parameter", "value"})[*value], text);
   }
   return nodes;
+}
+
+xmlNode* TitlePrototype::last_element(const std::vector<xml::Node>& nodes) {
+  for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
+    if (node->get()->type == XML_ELEMENT_NODE) return node->get();
+  }
+  return nullptr;
+}
+
+namespace {
+
+// Marks where a field goes in the written text. The marks cannot occur in the text libxml2
+// writes for a template, whose characters outside a field are never control characters.
+constexpr std::array<std::pair<std::string_view, int>, 6> kMarks{{
+    {"\x1F" "start" "\x1F", 0}, {"\x1F" "end" "\x1F", 1}, {"\x1F" "length" "\x1F", 2},
+    {"\x1F" "text" "\x1F", 3},  {"\x1F" "id" "\x1F", 4},  {"\x1F" "uuid" "\x1F", 5},
+}};
+
+std::string mark(int field) { return std::string(kMarks[static_cast<std::size_t>(field)].first); }
+
+void set_if_present(xmlNode* parent, const char* name, const std::string& text) {
+  if (parent == nullptr) return;
+  if (xmlNode* child = xml::first_child_element(parent, name)) xml::set_text(child, text);
+}
+
+// Text content as libxml2 escapes it when writing UTF-8.
+std::string escaped(const std::string& text) {
+  std::string out;
+  out.reserve(text.size());
+  for (char c : text) {
+    switch (c) {
+      case '&': out += "&amp;"; break;
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '\r': out += "&#13;"; break;
+      default: out += c;
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+TitlePrototype::Text TitlePrototype::serialize(
+    int level, bool own_ids, const std::function<void(xmlNode*)>& finish) const {
+  std::vector<xml::Node> nodes = make(mark(0), mark(1), mark(2), mark(3));
+  xmlNode* title = last_element(nodes);
+  if (own_ids) {
+    xmlSetProp(title, BAD_CAST "id", BAD_CAST mark(4).c_str());
+    set_if_present(title, "masterclipid", mark(4));
+    set_if_present(xml::first_child_element(title, "itemhistory"), "uuid", mark(5));
+  }
+  finish(title);
+  std::unique_ptr<xmlOutputBuffer, int (*)(xmlOutputBuffer*)> buffer(xmlAllocOutputBuffer(nullptr),
+                                                                      &xmlOutputBufferClose);
+  if (!buffer) throw std::bad_alloc();
+  for (const auto& node : nodes) {
+    xmlOutputBufferWriteString(buffer.get(), ("\n" + std::string(2 * level, ' ')).c_str());
+    xmlNodeDumpOutput(buffer.get(), copy_->doc, node.get(), level, 1, "UTF-8");
+  }
+  const std::string written(reinterpret_cast<const char*>(xmlOutputBufferGetContent(buffer.get())),
+                            xmlOutputBufferGetSize(buffer.get()));
+  // Cut the text at every mark, in the order the marks stand.
+  Text text;
+  std::size_t from = 0;
+  while (true) {
+    std::size_t nearest = std::string::npos;
+    int field = -1;
+    for (const auto& [token, index] : kMarks) {
+      const std::size_t at = written.find(token, from);
+      if (at < nearest) {
+        nearest = at;
+        field = index;
+      }
+    }
+    text.pieces_.push_back(written.substr(from, nearest - from));
+    if (nearest == std::string::npos) break;
+    text.fields_.push_back(static_cast<Text::Field>(field));
+    from = nearest + kMarks[static_cast<std::size_t>(field)].first.size();
+  }
+  return text;
+}
+
+std::string TitlePrototype::Text::join(const Fields& fields) const {
+  std::string text = pieces_.front();
+  for (std::size_t i = 0; i < fields_.size(); ++i) {
+    switch (fields_[i]) {
+      case Field::Start: text += fields.start; break;
+      case Field::End: text += fields.end; break;
+      case Field::Length: text += fields.length; break;
+      case Field::Text: text += escaped(fields.text); break;
+      case Field::Id: text += fields.id; break;
+      case Field::Uuid: text += fields.uuid; break;
+    }
+    text += pieces_[i + 1];
+  }
+  return text;
 }
 
 }  // namespace quillory

@@ -2,6 +2,7 @@
 // The chosen title template, copied once into the output document without its formatting
 // blanks, and the title of each clip made from that copy.
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,14 +30,40 @@ class TitlePrototype {
   std::vector<xml::Node> make(const std::string& start, const std::string& end,
                               const std::string& length, const std::string& text) const;
 
+  // What varies from one title to the next, and what the text of a title is made of.
+  struct Fields {
+    std::string start, end, length, text;
+    std::string id, uuid;  // import-safe output only
+  };
+  class Text;
+
+  // The text that libxml2 writes for every title at `level` of indentation (a line break and
+  // the indentation before each node), written once and cut where the fields go. `finish`
+  // changes the title's copy before it is written (import-safe output sets its rate); with
+  // `own_ids` each title's id, master clip id and itemhistory UUID become fields too.
+  Text serialize(int level, bool own_ids, const std::function<void(xmlNode*)>& finish) const;
+
  private:
   xmlNode* generator() const;
+  static xmlNode* last_element(const std::vector<xml::Node>& nodes);
   std::string owner(const std::string& clip) const;
   std::optional<std::size_t> text_value() const;
 
   const TitleTemplate& template_;
   xml::Node copy_;  // holds the template's top-level nodes as its children
   std::string completed_;
+};
+
+class TitlePrototype::Text {
+ public:
+  // The text of one title with `fields` in their places; text is escaped as libxml2 escapes it.
+  std::string join(const Fields& fields) const;
+
+ private:
+  friend class TitlePrototype;
+  enum class Field { Start, End, Length, Text, Id, Uuid };
+  std::vector<std::string> pieces_;  // one more than fields_
+  std::vector<Field> fields_;
 };
 
 }  // namespace quillory
