@@ -5,9 +5,12 @@
 #include <iostream>
 #include <memory>
 
+#include <unistd.h>
+
 #include "command_line.h"
 #include "exit_code.h"
 #include "listing.h"
+#include "terminal_progress.h"
 #include "startup/startup.h"
 #include "titles/create_fcp_xml.h"
 #include "titles/sequence_templates.h"
@@ -68,7 +71,14 @@ int run(const quillory::cli::Options& options) {
     return status(ExitCode::Success);
   }
   const auto path = options.output ? options.output : paths.TEMP_XML_FILE;
-  print_report(quillory::create_fcp_xml(opened.templates, opened.clips, settings, path, *progress));
+  quillory::AssumptionReport report;
+  {
+    const bool on_terminal = isatty(STDERR_FILENO) == 1;
+    const bool lines_on_terminal = !options.quiet && isatty(STDOUT_FILENO) == 1;
+    quillory::cli::TerminalProgress display(*progress, std::cerr, on_terminal, lines_on_terminal);
+    report = quillory::create_fcp_xml(opened.templates, opened.clips, settings, path, display);
+  }
+  print_report(report);
   std::cerr << "quillory: wrote " << *path << "\n";
   return status(ExitCode::Success);
 }

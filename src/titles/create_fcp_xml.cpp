@@ -131,7 +131,10 @@ class Planner {
   std::vector<PlacedClip> plan(const std::vector<ClipRecord>& clips) {
     std::vector<PlacedClip> placed;
     placed.reserve(clips.size());
-    for (std::size_t i = 0; i < clips.size(); ++i) placed.push_back(place(i, clips[i]));
+    for (std::size_t i = 0; i < clips.size(); ++i) {
+      placed.push_back(place(i, clips[i]));
+      out_.progress("placing", i + 1, clips.size());
+    }
     return placed;
   }
 
@@ -204,9 +207,10 @@ class Planner {
 class ItemWriter {
  public:
   ItemWriter(const TitleSettings& settings, const TitlePrototype& title, Outline& outline,
-             const std::vector<PlacedClip>& placed, ImportSafeOutput* import_safe)
-      : settings_(settings), title_(title), outline_(outline), placed_(placed),
-        import_safe_(import_safe) {
+             const std::vector<PlacedClip>& placed, ImportSafeOutput* import_safe,
+             LineSink& progress)
+      : title_(title), outline_(outline), placed_(placed), import_safe_(import_safe),
+        progress_(progress) {
     if (settings.timecode_reader) {
       filter_ = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
     }
@@ -220,6 +224,7 @@ class ItemWriter {
         write_item(out, clip.video_item, clip, true);
       } else if (index == 1) {
         write_title(out, clip, i + 1);
+        progress_.progress("writing", i + 1, placed_.size());
       } else if (index >= 2 && index - 2 < clip.audio_items.size()) {
         write_item(out, clip.audio_items[index - 2], clip, false);
       }
@@ -258,11 +263,11 @@ class ItemWriter {
     out.raw_child(title_text_->join(fields));
   }
 
-  const TitleSettings& settings_;
   const TitlePrototype& title_;
   Outline& outline_;
   const std::vector<PlacedClip>& placed_;
   ImportSafeOutput* import_safe_;
+  LineSink& progress_;  // the titles are most of what is written: they measure the writing
   xml::Document filter_;
   std::optional<TitlePrototype::Text> title_text_;
 };
@@ -289,7 +294,7 @@ AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
                                              planner.duration()});
     import_safe->prepare_sequence(outline.sequence, xmlDocGetRootElement(outline.document.get()));
   }
-  ItemWriter items(settings, title, outline, placed, import_safe ? &*import_safe : nullptr);
+  ItemWriter items(settings, title, outline, placed, import_safe ? &*import_safe : nullptr, out);
   std::vector<xmlNode*> tracks = outline.video_tracks;
   tracks.resize(2);
   tracks.insert(tracks.end(), outline.audio_tracks.begin(), outline.audio_tracks.end());

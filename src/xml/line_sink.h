@@ -14,6 +14,11 @@ class LineSink {
   virtual ~LineSink() = default;
   // One line of output, without its line end.
   virtual void line(std::string_view text) = 0;
+  // How far a long operation has got: `done` of `total` clips through `stage` ("placing",
+  // then "writing"). Only hosts that show progress take note.
+  virtual void progress(std::string_view stage, std::size_t done, std::size_t total) {
+    (void)stage, (void)done, (void)total;
+  }
 };
 
 // Writes each line to a stream, followed by a line feed, and flushes so that lines appear as
