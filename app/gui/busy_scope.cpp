@@ -8,15 +8,14 @@
 namespace quillory::gui {
 
 BusyScope::BusyScope(QWidget& form, QStatusBar& status, OperationProgress& progress,
-                     std::function<void(bool)> set_busy, const QString& message,
-                     long long expected_lines)
+                     std::function<void(bool)> set_busy, const QString& message)
     : form_(form), progress_(progress), set_busy_(std::move(set_busy)),
       focus_(QApplication::focusWidget()) {
   form_.setEnabled(false);
   set_busy_(true);
   QApplication::setOverrideCursor(Qt::BusyCursor);
   status.showMessage(message);
-  progress_.start(expected_lines);
+  progress_.start();
 }
 
 BusyScope::~BusyScope() {

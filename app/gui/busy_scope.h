@@ -18,7 +18,7 @@ class BusyScope {
  public:
   // `set_busy` hears true now and false at the end, for the window to update its actions.
   BusyScope(QWidget& form, QStatusBar& status, OperationProgress& progress,
-            std::function<void(bool)> set_busy, const QString& message, long long expected_lines);
+            std::function<void(bool)> set_busy, const QString& message);
   ~BusyScope();
   BusyScope(const BusyScope&) = delete;
   BusyScope& operator=(const BusyScope&) = delete;

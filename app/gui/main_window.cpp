@@ -174,7 +174,7 @@ bool MainWindow::openDocument(const QString& path) {
   const QString name = QFileInfo(path).fileName();
   OpenedSource opened;
   {
-    const BusyScope busy = busyWith(tr("Opening %1…").arg(name), 0);
+    const BusyScope busy = busyWith(tr("Opening %1…").arg(name));
     opened = get_info_from_clips(local_path(path), built_in_template(), document_->tolerant(),
                                  *progress_);
   }
@@ -227,9 +227,7 @@ bool MainWindow::createTitles() {
   QString error;
   AssumptionReport report;
   {
-    // Two output lines per title.
-    const auto expected = static_cast<long long>(source_.clips.size()) * 2;
-    const BusyScope busy = busyWith(tr("Creating titles…"), expected);
+    const BusyScope busy = busyWith(tr("Creating titles…"));
     TitleSettings settings = form_->settings();
     settings.tolerant = document_->tolerant();
     try {
@@ -270,12 +268,12 @@ bool MainWindow::saveOutputCopyTo(const QString& target) {
   return true;
 }
 
-BusyScope MainWindow::busyWith(const QString& message, long long expected_lines) {
+BusyScope MainWindow::busyWith(const QString& message) {
   const auto set_busy = [this](bool busy) {
     busy_ = busy;
     updateActions();
   };
-  return BusyScope(*centralWidget(), *statusBar(), *progress_, set_busy, message, expected_lines);
+  return BusyScope(*centralWidget(), *statusBar(), *progress_, set_busy, message);
 }
 
 void MainWindow::updateActions() {

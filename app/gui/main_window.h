@@ -58,7 +58,7 @@ class MainWindow : public QMainWindow {
   QString suggestedCopy() const;
   void updateActions();
   // Locks the form while one operation runs.
-  BusyScope busyWith(const QString& message, long long expected_lines);
+  BusyScope busyWith(const QString& message);
   void showReport(const AssumptionReport& report, const QString& status);
   OutputPaths paths_;
   // What the last open that got past the xmeml check read; titles are created from it only

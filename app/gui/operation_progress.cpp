@@ -2,7 +2,7 @@
 
 #include <QCoreApplication>
 #include <QProgressBar>
-#include <algorithm>
+#include <climits>
 #include <iostream>
 
 #include "log_pane.h"
@@ -13,12 +13,9 @@ namespace {
 constexpr int kEventIntervalMs = 50;
 }  // namespace
 
-void OperationProgress::start(long long expected_lines) {
+void OperationProgress::start() {
   running_ = true;
-  expected_ = expected_lines;
-  seen_ = 0;
-  bar_.setRange(0, expected_lines > 0 ? static_cast<int>(expected_lines) : 0);
-  bar_.setValue(0);
+  bar_.setRange(0, 0);
   bar_.show();
   // Loading a document starts with one long parse that lets no events through, so the busy
   // state is drawn now, before the work starts.
@@ -35,12 +32,23 @@ void OperationProgress::finish() {
 void OperationProgress::line(std::string_view text) {
   std::cout << text << '\n' << std::flush;
   log_.append(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
-  ++seen_;
-  if (!running_ || since_events_.elapsed() < kEventIntervalMs) return;
+  let_events_through();
+}
+
+void OperationProgress::progress(std::string_view stage, std::size_t done, std::size_t total) {
+  if (!running_ || total == 0 || total > static_cast<std::size_t>(INT_MAX / 2)) return;
+  const int whole = static_cast<int>(total);
+  bar_.setRange(0, 2 * whole);
+  bar_.setValue((stage == "writing" ? whole : 0) + static_cast<int>(done));
+  let_events_through();
+}
+
+bool OperationProgress::let_events_through() {
+  if (!running_ || since_events_.elapsed() < kEventIntervalMs) return false;
   log_.flush();
-  if (expected_ > 0) bar_.setValue(static_cast<int>(std::min(seen_, expected_)));
   QCoreApplication::processEvents();
   since_events_.restart();
+  return true;
 }
 
 }  // namespace quillory::gui

@@ -1,7 +1,7 @@
 #pragma once
 // Carries the core's output lines while an operation runs on the window's thread: to standard
-// output, to the log pane, and to the progress bar, letting events through now and then so
-// that the window repaints and shows progress.
+// output and to the log pane, and its progress to the progress bar, letting events through
+// now and then so that the window repaints and shows progress.
 
 #include <QElapsedTimer>
 
@@ -17,17 +17,20 @@ class OperationProgress : public LineSink {
  public:
   OperationProgress(LogPane& log, QProgressBar& bar) : log_(log), bar_(bar) {}
 
-  // `expected_lines` fills the bar; 0 shows it busy without a measure.
-  void start(long long expected_lines);
+  // The bar shows busy without a measure until the core reports progress.
+  void start();
   void finish();
   void line(std::string_view text) override;
+  // Placing and then writing each fill half of the bar.
+  void progress(std::string_view stage, std::size_t done, std::size_t total) override;
 
  private:
   LogPane& log_;
   QProgressBar& bar_;
+  // Lets events through when it is time; true when it did.
+  bool let_events_through();
+
   bool running_ = false;
-  long long expected_ = 0;
-  long long seen_ = 0;
   QElapsedTimer since_events_;
 };
 

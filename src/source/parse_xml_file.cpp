@@ -8,6 +8,11 @@
 #include <memory>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "source/line_repair.h"
 #include "xml/read_xml.h"
@@ -27,6 +32,36 @@ xml::Document require_document(xml::ParsedXml& parsed, const std::string& path) 
     throw std::runtime_error("quillory: cannot read " + path + " as XML: " + reason);
   }
   return std::move(parsed.document);
+}
+
+// A file descriptor that closes itself.
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd_(fd) {}
+  Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  Descriptor& operator=(Descriptor&&) = delete;
+  ~Descriptor() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  int get() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+// Opens the source for reading; throws with the system's reason, naming the path. A folder
+// opens, but cannot be read as a file.
+Descriptor open_source(const std::string& path) {
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) throw std::system_error(errno, std::generic_category(), "quillory: cannot open " + path);
+  Descriptor source(fd);
+  struct stat status {};
+  if (::fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
+    throw std::system_error(EISDIR, std::generic_category(), "quillory: cannot read " + path);
+  }
+  return source;
 }
 
 std::string root_name_of(const xmlDoc* doc) {
@@ -59,8 +94,9 @@ std::string read_file_bytes(const std::string& path) {
 }
 
 LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
-  const std::string bytes = read_file_bytes(path);
-  xml::ParsedXml first = xml::read_xml(bytes, path, kFirstParseOptions);
+  // A well-formed file, the usual case, is parsed as it is read; only a file to repair is
+  // read whole.
+  xml::ParsedXml first = xml::read_xml_fd(open_source(path).get(), path, kFirstParseOptions);
   xml::Document document = require_document(first, path);
   if (first.diagnostics.empty()) {
     out.line("no errors parsing file!");
@@ -69,7 +105,7 @@ LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
   }
 
   out.line(std::to_string(first.diagnostics.size()) + " errors parsing file!!!");
-  std::vector<std::string> lines = split_lines(bytes);
+  std::vector<std::string> lines = split_lines(read_file_bytes(path));
   for (const auto& diagnostic : first.diagnostics) {
     out.line("...fixing line " + std::to_string(diagnostic.line));
     // A diagnostic without a line, or past the last line (an empty tail of a truncated file),

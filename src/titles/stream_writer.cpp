@@ -1,8 +1,11 @@
 #include "titles/stream_writer.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <new>
 #include <string>
+
+#include <unistd.h>
 
 namespace quillory {
 namespace {
@@ -27,8 +30,35 @@ std::string quoted_attribute(const xmlChar* value) {
 
 }  // namespace
 
-StreamWriter::StreamWriter(int fd) : out_(xmlOutputBufferCreateFd(fd, nullptr)) {
+constexpr std::size_t kBlock = 1 << 20;
+
+StreamWriter::StreamWriter(int fd)
+    : fd_(fd), out_(xmlOutputBufferCreateIO(&write_pending, &close_pending, this, nullptr)) {
   if (out_ == nullptr) throw std::bad_alloc();
+  pending_.reserve(kBlock);
+}
+
+int StreamWriter::write_pending(void* writer, const char* bytes, int length) {
+  auto& self = *static_cast<StreamWriter*>(writer);
+  self.pending_.append(bytes, static_cast<std::size_t>(length));
+  if (self.pending_.size() >= kBlock && !self.flush_pending()) return -1;
+  return length;
+}
+
+int StreamWriter::close_pending(void* writer) {
+  return static_cast<StreamWriter*>(writer)->flush_pending() ? 0 : -1;
+}
+
+bool StreamWriter::flush_pending() {
+  std::size_t done = 0;
+  while (done < pending_.size()) {
+    const ssize_t written = ::write(fd_, pending_.data() + done, pending_.size() - done);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    done += static_cast<std::size_t>(written);
+  }
+  pending_.clear();
+  return true;
 }
 
 StreamWriter::~StreamWriter() {

@@ -45,7 +45,14 @@ class StreamWriter {
   void write_start_tag(const xmlNode* element);
   void raw(const char* text);
   void indent(int level);
+  static int write_pending(void* writer, const char* bytes, int length);
+  static int close_pending(void* writer);
+  bool flush_pending();
 
+  // libxml2 hands its output over in small pieces; they are gathered here and written to the
+  // file in large blocks, which saves a system call per few kilobytes.
+  int fd_;
+  std::string pending_;
   xmlOutputBuffer* out_;
   xmlDoc* doc_ = nullptr;
   std::vector<xmlNode*> expand_;

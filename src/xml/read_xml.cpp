@@ -26,21 +26,35 @@ void keep_name(xmlDoc* doc, const std::string& source_name) {
   doc->URL = xmlStrdup(BAD_CAST source_name.c_str());
 }
 
-}  // namespace
-
-ParsedXml read_xml(std::string_view text, const std::string& source_name, int options) {
-  // No XML_PARSE_NOENT (entities stay references) and no DTD loading: a document cannot make
-  // the parser fetch or expand anything outside the text it was given. Big line numbers keep
-  // the lines named in messages right past line 65535 of a large export.
+// The one place where XML is parsed: `parse` is given the options to use, which never include
+// entity substitution or DTD loading, so a document cannot make the parser fetch or expand
+// anything outside the text it was given. Big line numbers keep the lines named in messages
+// right past line 65535 of a large export.
+template <class Parse>
+ParsedXml parse_safely(const std::string& source_name, int options, Parse parse) {
   const int safe_options =
       (options | XML_PARSE_NONET | XML_PARSE_BIG_LINES) & ~(XML_PARSE_NOENT | XML_PARSE_DTDLOAD);
   ParsedXml result;
   DiagnosticCollector collector;
-  result.document.reset(xmlReadMemory(text.data(), checked_length(text, source_name),
-                                      source_name.c_str(), nullptr, safe_options));
+  result.document.reset(parse(safe_options));
   result.diagnostics = collector.take();
   keep_name(result.document.get(), source_name);
   return result;
+}
+
+}  // namespace
+
+ParsedXml read_xml(std::string_view text, const std::string& source_name, int options) {
+  const int length = checked_length(text, source_name);
+  return parse_safely(source_name, options, [&](int safe_options) {
+    return xmlReadMemory(text.data(), length, source_name.c_str(), nullptr, safe_options);
+  });
+}
+
+ParsedXml read_xml_fd(int fd, const std::string& source_name, int options) {
+  return parse_safely(source_name, options, [&](int safe_options) {
+    return xmlReadFd(fd, source_name.c_str(), nullptr, safe_options);
+  });
 }
 
 Document read_html_fragment(std::string_view text, const std::string& source_name) {

@@ -26,6 +26,10 @@ struct ParsedXml {
 // `options` are added to the safe defaults (XML_PARSE_NONET), e.g. XML_PARSE_RECOVER.
 ParsedXml read_xml(std::string_view text, const std::string& source_name, int options);
 
+// Parses the XML that the open file descriptor `fd` reads, as it reads it, with the same
+// defaults; a large file is never held whole in memory beside its tree. `fd` stays open.
+ParsedXml read_xml_fd(int fd, const std::string& source_name, int options);
+
 // Parses text as an HTML fragment: the returned document's top-level nodes are the fragment's
 // nodes, with no implied html or body element. Throws when nothing could be parsed.
 Document read_html_fragment(std::string_view text, const std::string& source_name);
