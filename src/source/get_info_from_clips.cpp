@@ -227,15 +227,21 @@ std::string sequence_name_for(const std::string& path) {
 
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
                                  bool tolerant, LineSink& out) {
-  OpenedSource opened;
   out.line("opening...");
   LoadedDocument loaded;
   try {
     loaded = parse_xml_file(path, out);
   } catch (const std::exception& error) {
+    OpenedSource opened;
     opened.error = error.what();
     return opened;
   }
+  return read_loaded_source(std::move(loaded), built_in, tolerant, out);
+}
+
+OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& built_in,
+                                bool tolerant, LineSink& out) {
+  OpenedSource opened;
   if (loaded.root_name != "xmeml") {
     opened.status = OpenStatus::NotXmeml;
     return opened;

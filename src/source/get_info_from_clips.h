@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "source/clip_record.h"
+#include "source/parse_xml_file.h"
 #include "xml/line_sink.h"
 
 namespace quillory {
@@ -41,6 +42,10 @@ struct OpenedSource {
 // where strict reading stops.
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
                                  bool tolerant, LineSink& out);
+
+// What get_info_from_clips does once the document is loaded.
+OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& built_in,
+                                bool tolerant, LineSink& out);
 
 // The last component of a path, extension included.
 std::string base_name(const std::string& path);

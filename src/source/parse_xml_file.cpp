@@ -93,19 +93,19 @@ std::string read_file_bytes(const std::string& path) {
   return bytes;
 }
 
-LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
-  // A well-formed file, the usual case, is parsed as it is read; only a file to repair is
-  // read whole.
-  xml::ParsedXml first = xml::read_xml_fd(open_source(path).get(), path, kFirstParseOptions);
-  xml::Document document = require_document(first, path);
-  if (first.diagnostics.empty()) {
-    out.line("no errors parsing file!");
-    std::string root = root_name_of(document.get());
-    return {std::move(document), std::move(root)};
-  }
+namespace {
 
+LoadedDocument loaded(xml::Document document) {
+  std::string root = root_name_of(document.get());
+  return {std::move(document), std::move(root)};
+}
+
+// The text, `first` having found fault with it: the lines it names lose their invalid UTF-8,
+// and every line does when that is not enough.
+LoadedDocument repaired(const std::string& bytes, const xml::ParsedXml& first,
+                        const std::string& name, LineSink& out) {
   out.line(std::to_string(first.diagnostics.size()) + " errors parsing file!!!");
-  std::vector<std::string> lines = split_lines(read_file_bytes(path));
+  std::vector<std::string> lines = split_lines(bytes);
   for (const auto& diagnostic : first.diagnostics) {
     out.line("...fixing line " + std::to_string(diagnostic.line));
     // A diagnostic without a line, or past the last line (an empty tail of a truncated file),
@@ -115,19 +115,36 @@ LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
       line = repair_line(line);
     }
   }
-
-  xml::ParsedXml second = xml::read_xml(join_lines(lines), path, kRepairedParseOptions);
-  document = require_document(second, path);
+  xml::ParsedXml second = xml::read_xml(join_lines(lines), name, kRepairedParseOptions);
+  xml::Document document = require_document(second, name);
   if (second.diagnostics.empty()) {
     out.line("no errors parsing good_string!");
-  } else {
-    out.line(std::to_string(second.diagnostics.size()) + " errors parsing good_string!!!");
-    for (auto& line : lines) line = repair_line(line);
-    xml::ParsedXml third = xml::read_xml(join_lines(lines), path, kRepairedParseOptions);
-    document = require_document(third, path);
+    return loaded(std::move(document));
   }
-  std::string root = root_name_of(document.get());
-  return {std::move(document), std::move(root)};
+  out.line(std::to_string(second.diagnostics.size()) + " errors parsing good_string!!!");
+  for (auto& line : lines) line = repair_line(line);
+  xml::ParsedXml third = xml::read_xml(join_lines(lines), name, kRepairedParseOptions);
+  return loaded(require_document(third, name));
+}
+
+}  // namespace
+
+LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
+  // A well-formed file, the usual case, is parsed as it is read; only a file to repair is
+  // read whole.
+  xml::ParsedXml first = xml::read_xml_fd(open_source(path).get(), path, kFirstParseOptions);
+  xml::Document document = require_document(first, path);
+  if (!first.diagnostics.empty()) return repaired(read_file_bytes(path), first, path, out);
+  out.line("no errors parsing file!");
+  return loaded(std::move(document));
+}
+
+LoadedDocument parse_xml_bytes(const std::string& bytes, const std::string& name, LineSink& out) {
+  xml::ParsedXml first = xml::read_xml(bytes, name, kFirstParseOptions);
+  xml::Document document = require_document(first, name);
+  if (!first.diagnostics.empty()) return repaired(bytes, first, name, out);
+  out.line("no errors parsing file!");
+  return loaded(std::move(document));
 }
 
 }  // namespace quillory

@@ -24,4 +24,7 @@ std::string read_file_bytes(const std::string& path);
 // Writes its progress lines to `out`. The file itself is never changed.
 LoadedDocument parse_xml_file(const std::string& path, LineSink& out);
 
+// The same for text already in memory, named `name` in messages.
+LoadedDocument parse_xml_bytes(const std::string& bytes, const std::string& name, LineSink& out);
+
 }  // namespace quillory
