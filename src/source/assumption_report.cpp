@@ -1,5 +1,7 @@
 #include "source/assumption_report.h"
 
+#include "xml/failure.h"
+
 namespace quillory {
 namespace {
 
@@ -44,12 +46,12 @@ AssumptionReport report_assumptions(const std::vector<TitleTemplate>& templates,
                                     const std::vector<std::vector<std::string>>& assembled) {
   Tally tally;
   for (const auto& title : templates) {
-    tally.add("title template \"" + title.name + "\"", title.xml, title.assumptions);
+    tally.add("title template \"" + shown(title.name) + "\"", title.xml, title.assumptions);
   }
   for (std::size_t i = 0; i < clips.size(); ++i) {
     std::vector<std::string> made = clips[i].assumptions;
     if (i < assembled.size()) made.insert(made.end(), assembled[i].begin(), assembled[i].end());
-    tally.add("clip " + std::to_string(i + 1) + " \"" + clips[i].clip_name + "\"", clips[i].xml,
+    tally.add("clip " + std::to_string(i + 1) + " \"" + shown(clips[i].clip_name) + "\"", clips[i].xml,
               made);
   }
   return tally.finish();

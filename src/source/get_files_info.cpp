@@ -89,10 +89,10 @@ class FileReader {
     auto time = parse_date_time(entry.value);
     if (!time) {
       skip(entry.element,
-           "the metadata \"" + entry.key + "\" holds \"" + entry.value +
+           "the metadata \"" + shown(entry.key) + "\" holds \"" + shown(entry.value) +
                "\", which is not a date (expected e.g. 2010-03-13T14:05:09, "
                "2010-03-13 14:05:09 +0100 or 20100313)",
-           "holds \"" + entry.value + "\", not a date");
+           "holds \"" + shown(entry.value) + "\", not a date");
     }
     return time;
   }
@@ -115,8 +115,8 @@ class FileReader {
                                clock_piece(clock, 2), clock_piece(clock, 4));
     if (!time) {
       skip(local_time->element,
-           "the RED local time \"" + clock + "\" is not a valid time of day",
-           "holds \"" + clock + "\", not a valid time of day");
+           "the RED local time \"" + shown(clock) + "\" is not a valid time of day",
+           "holds \"" + shown(clock) + "\", not a valid time of day");
     }
     return time;
   }

@@ -40,7 +40,7 @@ class Catalogue {
 };
 
 std::string clip_label(const std::string& name, const xmlNode* clip) {
-  return "clip \"" + name + "\" (" + xml::where(clip) + ")";
+  return "clip \"" + shown(name) + "\" (" + xml::where(clip) + ")";
 }
 
 std::string accepted_rates() {
@@ -123,7 +123,7 @@ class ClipReader {
     const std::optional<std::string> file_id = xml::attribute(file, "id");
     const MediaFileRecord* media = catalogue_.find(file_id);
     if (media == nullptr) {
-      const std::string id = file_id ? "id \"" + *file_id + "\"" : "without an id";
+      const std::string id = file_id ? "id \"" + shown(*file_id) + "\"" : "without an id";
       assume_or_fail(tolerant_, made,
                      clip_label(name, clip) + " uses the file " + id + " (" + xml::where(file) +
                          "), which no <file> definition in the document has",
@@ -167,18 +167,18 @@ class ClipReader {
                 std::to_string(timebase));
       if (!missing) {
         assume_or_fail(tolerant_, made,
-                       clip_label(name, clip) + ": no frame rate matches ntsc \"" + ntsc +
+                       clip_label(name, clip) + ": no frame rate matches ntsc \"" + shown(ntsc) +
                            "\" and timebase " + std::to_string(timebase) + " (" +
                            xml::where(ntsc_node) + "); accepted ntsc/timebase pairs: " +
                            accepted_rates(),
-                       "no frame rate matches ntsc \"" + ntsc + "\" and timebase " +
+                       "no frame rate matches ntsc \"" + shown(ntsc) + "\" and timebase " +
                            std::to_string(timebase) + ", frame rate left unknown");
       }
       opened_.clip_rates.emplace_back();
       return;
     }
     if (rate->ntsc != ntsc) {
-      made.push_back("ntsc \"" + ntsc + "\" read as " + std::string(rate->ntsc));
+      made.push_back("ntsc \"" + shown(ntsc) + "\" read as " + std::string(rate->ntsc));
     }
     out_.line("clip " + name + ": " + describe(*rate));
     opened_.clip_rates.emplace_back(rate->type);

@@ -64,6 +64,19 @@ Descriptor open_source(const std::string& path) {
   return source;
 }
 
+// Nesting past libxml2's depth limit, or a text past its size limit, stops the parser, and no
+// repair of the text can change that: such a file is refused as it stands.
+void refuse_past_limits(const xml::ParsedXml& parsed, const std::string& path) {
+  for (const auto& diagnostic : parsed.diagnostics) {
+    if (diagnostic.code == XML_ERR_INTERNAL_ERROR || diagnostic.code == XML_ERR_NO_MEMORY) {
+      throw std::runtime_error("quillory: cannot read " + path + ": " +
+                               xml::describe(diagnostic, path) +
+                               " (elements nested more than 256 deep, or more than 10 MB of "
+                               "text in one element, are past what is read)");
+    }
+  }
+}
+
 std::string root_name_of(const xmlDoc* doc) {
   if (doc->children == nullptr || doc->children->name == nullptr) return {};
   return reinterpret_cast<const char*>(doc->children->name);
@@ -133,6 +146,7 @@ LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
   // A well-formed file, the usual case, is parsed as it is read; only a file to repair is
   // read whole.
   xml::ParsedXml first = xml::read_xml_fd(open_source(path).get(), path, kFirstParseOptions);
+  refuse_past_limits(first, path);
   xml::Document document = require_document(first, path);
   if (!first.diagnostics.empty()) return repaired(read_file_bytes(path), first, path, out);
   out.line("no errors parsing file!");
@@ -141,6 +155,7 @@ LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
 
 LoadedDocument parse_xml_bytes(const std::string& bytes, const std::string& name, LineSink& out) {
   xml::ParsedXml first = xml::read_xml(bytes, name, kFirstParseOptions);
+  refuse_past_limits(first, name);
   xml::Document document = require_document(first, name);
   if (!first.diagnostics.empty()) return repaired(bytes, first, name, out);
   out.line("no errors parsing file!");

@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kAudioTracks = 4;
 
 std::string clip_label(std::size_t index, const ClipRecord& clip) {
-  return "clip " + std::to_string(index + 1) + " \"" + clip.clip_name + "\" (" +
+  return "clip " + std::to_string(index + 1) + " \"" + shown(clip.clip_name) + "\" (" +
          xml::where(clip.xml) + ")";
 }
 

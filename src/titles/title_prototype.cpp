@@ -33,7 +33,7 @@ TitlePrototype::TitlePrototype(const TitleTemplate& chosen, xmlDoc* output, bool
     completed_ += (completed_.empty() ? "<" : "/<") + std::string(name) + ">";
   }
   if (!completed_.empty()) {
-    completed_ = "title template \"" + template_.name + "\" has no " + completed_ + ", added";
+    completed_ = "title template \"" + shown(template_.name) + "\" has no " + completed_ + ", added";
   }
 }
 
@@ -44,7 +44,7 @@ xmlNode* TitlePrototype::generator() const {
 }
 
 std::string TitlePrototype::owner(const std::string& clip) const {
-  return "the title template \"" + template_.name + "\" (for " + clip + ")";
+  return "the title template \"" + shown(template_.name) + "\" (for " + clip + ")";
 }
 
 std::optional<std::size_t> TitlePrototype::text_value() const {

@@ -25,7 +25,7 @@ void DiagnosticCollector::on_error(void* self, ErrorReport error) {
   std::string message = error->message != nullptr ? error->message : "unknown parser error";
   while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) message.pop_back();
   static_cast<DiagnosticCollector*>(self)->diagnostics_.push_back(
-      Diagnostic{error->line, static_cast<int>(error->level), std::move(message)});
+      Diagnostic{error->line, static_cast<int>(error->level), error->code, std::move(message)});
 }
 
 }  // namespace quillory::xml

@@ -8,6 +8,17 @@
 
 namespace quillory {
 
+// A name or value from the source as a message shows it: whole when short, else its first 60
+// bytes (never a part of a character) and "...", so that a name of many megabytes cannot
+// flood the terminal.
+inline std::string shown(const std::string& text) {
+  constexpr std::size_t kLongest = 60;
+  if (text.size() <= kLongest) return text;
+  std::size_t cut = kLongest;
+  while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+  return text.substr(0, cut) + "...";
+}
+
 [[noreturn]] inline void fail(const std::string& message) {
   throw std::runtime_error("quillory: " + message);
 }

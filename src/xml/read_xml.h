@@ -14,6 +14,7 @@ namespace quillory::xml {
 struct Diagnostic {
   int line = 0;  // 1-based line of the parsed text; 0 when the parser knows none
   int level = 0;  // xmlErrorLevel
+  int code = 0;   // xmlParserErrors
   std::string message;
 };
 
