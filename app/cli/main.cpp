@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <csignal>
 #include <iostream>
 #include <memory>
 
@@ -13,6 +14,7 @@
 #include "terminal_progress.h"
 #include "startup/startup.h"
 #include "titles/create_fcp_xml.h"
+#include "titles/replace_file.h"
 #include "titles/sequence_templates.h"
 #include "xml/failure.h"
 
@@ -21,6 +23,18 @@ namespace {
 using quillory::cli::ExitCode;
 
 int status(ExitCode code) { return static_cast<int>(code); }
+
+// Stopped while writing, the command leaves the previous output and no temporary file: the
+// handler removes the file being written, then lets the signal take its usual course.
+void on_stop(int signal_number) {
+  quillory::remove_unfinished_replacement();
+  std::signal(signal_number, SIG_DFL);
+  std::raise(signal_number);
+}
+
+void remove_unfinished_output_when_stopped() {
+  for (int signal_number : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal_number, &on_stop);
+}
 
 // Follows every error that --tolerant would have taken with an assumption.
 constexpr const char* kTolerantHint = " (--tolerant accepts this)";
@@ -100,6 +114,7 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? status(ExitCode::Success) : status(ExitCode::Usage);
   }
+  remove_unfinished_output_when_stopped();
   try {
     return run(options);
   } catch (const quillory::IncompleteInput& error) {

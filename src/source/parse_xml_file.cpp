@@ -2,15 +2,20 @@
 
 #include <libxml/parser.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <cstdio>
+#include <fstream>
+#include <limits>
+#include <optional>
 #include <memory>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,6 +56,37 @@ class Descriptor {
   int fd_;
 };
 
+// What reading a source of `size` bytes takes: its tree is about ten times the text.
+constexpr unsigned long long kTreeBytesPerByte = 10;
+
+// The memory a run may still take: what the system has available, within the process's own
+// address-space limit; none when neither is known.
+std::optional<unsigned long long> memory_available() {
+  std::optional<unsigned long long> available;
+  std::ifstream meminfo("/proc/meminfo");
+  for (std::string key; meminfo >> key;) {
+    unsigned long long kilobytes = 0;
+    if (key == "MemAvailable:" && meminfo >> kilobytes) available = kilobytes * 1024;
+    meminfo.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+  }
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
+    available = std::min<unsigned long long>(available.value_or(limit.rlim_cur), limit.rlim_cur);
+  }
+  return available;
+}
+
+// A source whose tree would not fit is refused before the system has to stop the process.
+void refuse_too_large(unsigned long long size, const std::string& path) {
+  const auto available = memory_available();
+  if (!available || size * kTreeBytesPerByte <= *available) return;
+  const auto megabytes = [](unsigned long long bytes) { return std::to_string(bytes >> 20) + " MB"; };
+  throw std::runtime_error("quillory: " + path + " is " + megabytes(size) +
+                           "; reading it takes about " + megabytes(size * kTreeBytesPerByte) +
+                           " of memory, and " + megabytes(*available) +
+                           " is available: free memory, or split the export");
+}
+
 // Opens the source for reading; throws with the system's reason, naming the path. A folder
 // opens, but cannot be read as a file.
 Descriptor open_source(const std::string& path) {
@@ -61,6 +97,7 @@ Descriptor open_source(const std::string& path) {
   if (::fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
     throw std::system_error(EISDIR, std::generic_category(), "quillory: cannot read " + path);
   }
+  if (S_ISREG(status.st_mode)) refuse_too_large(static_cast<unsigned long long>(status.st_size), path);
   return source;
 }
 

@@ -5,12 +5,19 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <cstdio>
 #include <system_error>
 #include <vector>
 
 namespace quillory {
 namespace {
+
+// The temporary file being written, kept where a signal handler may read it: a fixed buffer
+// and a flag that says whether it holds a name.
+char unfinished_path[4096];
+volatile std::sig_atomic_t unfinished = 0;
 
 [[noreturn]] void fail(const std::string& what, const std::string& path, int error) {
   throw std::system_error(error, std::generic_category(), "quillory: cannot " + what + " " + path);
@@ -25,8 +32,13 @@ class TemporaryFile {
     fd_ = ::mkstemp(name.data());
     if (fd_ < 0) fail("create a temporary file beside", target, errno);
     path_.assign(name.data());
+    if (path_.size() < sizeof unfinished_path) {
+      std::memcpy(unfinished_path, path_.c_str(), path_.size() + 1);
+      unfinished = 1;
+    }
   }
   ~TemporaryFile() {
+    unfinished = 0;
     if (fd_ >= 0) ::close(fd_);
     if (!renamed_) ::unlink(path_.c_str());
   }
@@ -51,6 +63,7 @@ class TemporaryFile {
     const int fd = fd_;
     fd_ = -1;
     if (::close(fd) != 0) fail("write", path_, errno);
+    unfinished = 0;
     if (::rename(path_.c_str(), target.c_str()) != 0) fail("replace", target, errno);
     renamed_ = true;
   }
@@ -62,6 +75,10 @@ class TemporaryFile {
 };
 
 }  // namespace
+
+void remove_unfinished_replacement() noexcept {
+  if (unfinished != 0) ::unlink(unfinished_path);
+}
 
 void replace_file(const std::string& path, const std::function<bool(int fd)>& write) {
   TemporaryFile temporary(path);

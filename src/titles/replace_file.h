@@ -13,4 +13,8 @@ namespace quillory {
 // then removed and the previous file stays.
 void replace_file(const std::string& path, const std::function<bool(int fd)>& write);
 
+// Removes the temporary file of a replacement under way, if there is one. Safe to call from a
+// signal handler: a host stopped by a signal calls it so that no temporary file is left.
+void remove_unfinished_replacement() noexcept;
+
 }  // namespace quillory
