@@ -79,7 +79,8 @@ std::string texts(const xml::Document& doc, const char* path) {
 }
 
 CommandResult run_command(const std::vector<std::string>& argv,
-                          const std::vector<std::string>& environment) {
+                          const std::vector<std::string>& environment,
+                          const std::function<void(int pid)>& while_running) {
   // env(1) puts the assignments over the inherited environment.
   std::vector<std::string> words{"/usr/bin/env"};
   words.insert(words.end(), environment.begin(), environment.end());
@@ -96,6 +97,7 @@ CommandResult run_command(const std::vector<std::string>& argv,
   int status = 0;
   const bool started = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ) == 0;
   posix_spawn_file_actions_destroy(&actions);
+  if (started && while_running) while_running(pid);
   if (!started || ::waitpid(pid, &status, 0) != pid) return {};
   return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
           read_file(captured.file("out")), read_file(captured.file("err"))};

@@ -3,6 +3,7 @@
 // quillory binary.
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -56,9 +57,11 @@ struct CommandResult {
 };
 
 // Runs a program with arguments (no shell) and extra environment assignments ("NAME=value"),
-// capturing standard output and standard error.
+// capturing standard output and standard error; `while_running` is given the process id
+// before the run is waited for. A run ended by signal S exits with 128 + S.
 CommandResult run_command(const std::vector<std::string>& argv,
-                          const std::vector<std::string>& environment = {});
+                          const std::vector<std::string>& environment = {},
+                          const std::function<void(int pid)>& while_running = {});
 
 // A minimal xmeml master clip for tests; `extra` is inserted into the clip element.
 std::string media_clip(const std::string& name, const std::string& file_id, int duration,

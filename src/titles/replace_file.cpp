@@ -27,15 +27,17 @@ volatile std::sig_atomic_t unfinished = 0;
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& target) : path_(target + ".XXXXXX") {
-    std::vector<char> name(path_.begin(), path_.end());
-    name.push_back('\0');
-    fd_ = ::mkstemp(name.data());
-    if (fd_ < 0) fail("create a temporary file beside", target, errno);
-    path_.assign(name.data());
-    if (path_.size() < sizeof unfinished_path) {
-      std::memcpy(unfinished_path, path_.c_str(), path_.size() + 1);
-      unfinished = 1;
+    // The name is made in the buffer that a signal handler reads, flagged before the file
+    // exists, so that a signal at any moment finds the file it has to remove.
+    if (path_.size() >= sizeof unfinished_path) fail("create a temporary file beside", target, ENAMETOOLONG);
+    std::memcpy(unfinished_path, path_.c_str(), path_.size() + 1);
+    unfinished = 1;
+    fd_ = ::mkstemp(unfinished_path);
+    if (fd_ < 0) {
+      unfinished = 0;
+      fail("create a temporary file beside", target, errno);
     }
+    path_.assign(unfinished_path);
   }
   ~TemporaryFile() {
     unfinished = 0;

@@ -1,0 +1,151 @@
+// Every class of bad input and every fault while writing, one row each, through the real
+// binary. Each row checks the exit status, one message on standard error that names the file
+// (and, where there is one, the element and its line), nothing but progress lines on standard
+// output, the previous output byte for byte, and no temporary file left beside it.
+
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include "test_support.h"
+
+namespace quillory {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kPrevious = "<?xml version=\"1.0\"?>\n<xmeml>the previous titles</xmeml>\n";
+
+// A valid source of one clip (its file's metadata `metadata`, its audio `audio`, `after` it
+// another clip), with every `from` replaced by `to`; all of it on line 4.
+std::string clip(const std::string& from = "", const std::string& to = "",
+                 const std::string& metadata = "", const std::string& audio = "",
+                 const std::string& after = "") {
+  std::string body = test::file_definition("f", "a.mov", "", "", metadata) +
+                     test::media_clip("A", "f", 25, "", "FALSE", 25, audio) + after;
+  for (auto at = body.find(from); !from.empty() && at != std::string::npos;
+       at = body.find(from, at + to.size())) {
+    body.replace(at, from.size(), to);
+  }
+  return test::xmeml(body);
+}
+
+std::string slate(const std::string& timing, const std::string& parameter) {
+  return "<clip id=\"s\"><name>Slate</name><media><video><track><generatoritem><name>S</name>"
+         "<duration>9</duration>" + timing + "<start>0</start><end>9</end><effect><effectid>Text"
+         "</effectid>" + parameter + "</effect></generatoritem></track></video></media></clip>";
+}
+
+std::string nested(int depth) {
+  std::string open, close;
+  for (int i = 0; i < depth; ++i) open += "<a>", close += "</a>";
+  return test::xmeml(open + close);
+}
+
+struct Row {
+  const char* name;
+  std::string source;           // the source's text; see `kind` for the rows that have none
+  std::vector<std::string> said;  // what standard error must say, besides the path
+  std::vector<std::string> args = {};
+  enum Kind { Text, Folder, Missing, OutputMissing, OutputFolder, FullDisk, Stopped } kind = Text;
+  int exit = 1;
+};
+
+TEST(FailureMatrix, EveryFaultEndsWithOneLocatedMessageAndThePreviousOutput) {
+  const std::string item = "<track><clipitem><start>0</start><end>0</end></clipitem></track>";
+  std::string many;
+  for (int i = 0; i < 20000; ++i) many += test::media_clip("C" + std::to_string(i), "f", 25);
+  const std::vector<std::string> slate_template{"--template", "Slate"};
+  const std::vector<Row> rows{
+      {"clip without name", clip("<name>A</name>"), {"a clip has no <name> (<clip> at line 4"}},
+      {"file without name", clip("<name>a.mov</name>"), {"definition has no <name> (<file> at line 4"}},
+      {"metadata without key", clip("", "", "<metadata><value>v</value></metadata>"), {"no <key> (<metadata> at line 4"}},
+      {"unreadable date", clip("", "", test::metadata("a.creationdate", "soon")), {"\"soon\", which is not a date"}},
+      {"no file", clip("<file id=\"f\"/>"), {"clip \"A\" (<clip> at line 4", "has no <file> element"}},
+      {"unmatched file id", clip("id=\"f\"/>", "id=\"g\"/>"), {"uses the file id \"g\" (<file> at line 4"}},
+      {"no ntsc", clip("<ntsc>FALSE</ntsc>"), {"has no <ntsc> element"}},
+      {"rate outside the table", clip("<timebase>25", "<timebase>23"), {"no frame rate matches", "(<ntsc> at line 4"}},
+      {"no duration", clip("<duration>25</duration>"), {"clip 1 \"A\" (<clip> at line 4", "has no <duration>"}},
+      {"no video clip item", clip("clipitem", "stillitem"), {"has no video clip item"}},
+      {"fifth audio item", clip("", "", "", item + item + item + item + item), {"has 5 audio clip items", "<clipitem> at line 4"}},
+      {"clip item without start", clip("<start>-1</start>"), {"its video clip item <clipitem> at line 4", "has no <start>"}},
+      {"template without out", clip("", "", "", "", slate("", "<parameter><value/></parameter>")), {"\"Slate\"", "has no <out>"}, slate_template},
+      {"template without value", clip("", "", "", "", slate("<out>9</out>", "")), {"has 0 effect/parameter/value"}, slate_template},
+      {"empty source", "", {"cannot read"}},
+      {"binary source", std::string("\x00\xff\xfe\x01<\x80", 6), {"cannot read"}},
+      {"a folder as source", "", {"cannot read", "Is a directory"}, {}, Row::Folder},
+      {"missing source", "", {"cannot open", "No such file"}, {}, Row::Missing},
+      {"not xmeml", "<project><clip/></project>", {"is not an xmeml document"}},
+      {"truncated in an element", clip().substr(0, clip().find("</duration>") - 2), {"clip \"A\" (<clip> at line"}},
+      {"nested past the limit", nested(266), {"Excessive depth", "nested more than 256 deep"}},
+      {"text node of 100 MB", test::xmeml("<clip><name>" + std::string(100 << 20, 'x') + "</name></clip>"), {"huge text node"}},
+      {"output folder missing", clip(), {"cannot create a temporary file beside"}, {}, Row::OutputMissing},
+      {"output path is a folder", clip(), {"cannot replace", "Is a directory"}, {}, Row::OutputFolder},
+      {"full disk", clip(), {"cannot write", "No space left on device"}, {}, Row::FullDisk},
+      {"stopped while writing", test::xmeml(test::file_definition("f", "a.mov") + many), {}, {}, Row::Stopped, 128 + SIGTERM},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const test::TempDir dir;
+    std::string source = dir.file("source.xml");
+    std::string output = dir.file("titles.xml");
+    if (row.kind == Row::Folder) fs::create_directory(source);
+    if (row.kind == Row::Text || row.kind >= Row::OutputMissing) test::write_file(source, row.source);
+    if (row.kind == Row::OutputMissing) output = dir.file("gone/titles.xml");
+    if (row.kind == Row::OutputFolder) fs::create_directory(output);
+    if (row.kind == Row::FullDisk) {
+      fs::create_directory(dir.file("small"));
+      if (::mount("tmpfs", dir.file("small").c_str(), "tmpfs", 0, "size=4k") != 0) {
+        std::cout << "[ SKIPPED  ] full disk: cannot mount a small file system here\n";
+        continue;
+      }
+      output = dir.file("small/titles.xml");
+    }
+    if (row.kind != Row::OutputFolder && row.kind != Row::OutputMissing) test::write_file(output, kPrevious);
+    const auto stop_once_writing = [&](int pid) {
+      if (row.kind != Row::Stopped) return;
+      const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+      const auto writing = [&] {
+        for (const auto& entry : fs::directory_iterator(dir.path())) {
+          if (entry.path().filename().string().rfind("titles.xml.", 0) == 0) return true;
+        }
+        return false;
+      };
+      while (!writing() && std::chrono::steady_clock::now() < give_up) {
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+      }
+      ::kill(pid, SIGTERM);
+    };
+    std::vector<std::string> argv{QUILLORY_BINARY, "--output", output};
+    argv.insert(argv.end(), row.args.begin(), row.args.end());
+    argv.push_back(source);
+    const auto result =
+        test::run_command(argv, {"XDG_DATA_HOME=" + dir.path().string()}, stop_once_writing);
+    EXPECT_EQ(result.exit_code, row.exit) << result.err;
+    if (row.kind != Row::Stopped) {
+      EXPECT_EQ(result.err.rfind("quillory: ", 0), 0U) << result.err;
+      EXPECT_LT(result.err.size(), 2000U) << "one message, not a flood";
+      const std::string& named = row.kind >= Row::OutputMissing ? output : source;
+      EXPECT_NE(result.err.find(named), std::string::npos) << result.err;
+      for (const auto& said : row.said) EXPECT_NE(result.err.find(said), std::string::npos) << result.err;
+    }
+    EXPECT_EQ(result.out.find("quillory"), std::string::npos) << "messages go to standard error";
+    if (fs::is_regular_file(output)) {
+      EXPECT_EQ(test::read_file(output), kPrevious);
+    }
+    const fs::path folder = fs::path(output).parent_path();
+    for (const auto& entry : fs::directory_iterator(fs::exists(folder) ? folder : dir.path())) {
+      EXPECT_NE(entry.path().filename().string().rfind("titles.xml.", 0), 0U) << entry.path();
+    }
+    if (row.kind == Row::FullDisk) ::umount(dir.file("small").c_str());
+  }
+}
+
+}  // namespace
+}  // namespace quillory
