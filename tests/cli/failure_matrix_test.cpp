@@ -53,7 +53,9 @@ struct Row {
   std::string source;           // the source's text; see `kind` for the rows that have none
   std::vector<std::string> said;  // what standard error must say, besides the path
   std::vector<std::string> args = {};
-  enum Kind { Text, Folder, Missing, OutputMissing, OutputFolder, FullDisk, Stopped } kind = Text;
+  enum Kind {
+    Text, Folder, Missing, Unreadable, OutputMissing, OutputFolder, OutputReadOnly, FullDisk, Stopped
+  } kind = Text;
   int exit = 1;
 };
 
@@ -81,24 +83,36 @@ TEST(FailureMatrix, EveryFaultEndsWithOneLocatedMessageAndThePreviousOutput) {
       {"binary source", std::string("\x00\xff\xfe\x01<\x80", 6), {"cannot read"}},
       {"a folder as source", "", {"cannot read", "Is a directory"}, {}, Row::Folder},
       {"missing source", "", {"cannot open", "No such file"}, {}, Row::Missing},
+      {"unreadable source", clip(), {"cannot open", "Permission denied"}, {}, Row::Unreadable},
       {"not xmeml", "<project><clip/></project>", {"is not an xmeml document"}},
       {"truncated in an element", clip().substr(0, clip().find("</duration>") - 2), {"clip \"A\" (<clip> at line"}},
       {"nested past the limit", nested(266), {"Excessive depth", "nested more than 256 deep"}},
       {"text node of 100 MB", test::xmeml("<clip><name>" + std::string(100 << 20, 'x') + "</name></clip>"), {"huge text node"}},
       {"output folder missing", clip(), {"cannot create a temporary file beside"}, {}, Row::OutputMissing},
       {"output path is a folder", clip(), {"cannot replace", "Is a directory"}, {}, Row::OutputFolder},
+      {"read-only output folder", clip(), {"cannot create a temporary file beside"}, {}, Row::OutputReadOnly},
       {"full disk", clip(), {"cannot write", "No space left on device"}, {}, Row::FullDisk},
       {"stopped while writing", test::xmeml(test::file_definition("f", "a.mov") + many), {}, {}, Row::Stopped, 128 + SIGTERM},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
+    const bool by_permission = row.kind == Row::Unreadable || row.kind == Row::OutputReadOnly;
+    if (by_permission && ::geteuid() == 0) {
+      std::cout << "[ SKIPPED  ] " << row.name << ": permissions do not stop root\n";
+      continue;
+    }
     const test::TempDir dir;
     std::string source = dir.file("source.xml");
     std::string output = dir.file("titles.xml");
     if (row.kind == Row::Folder) fs::create_directory(source);
-    if (row.kind == Row::Text || row.kind >= Row::OutputMissing) test::write_file(source, row.source);
+    if (row.kind == Row::Text || row.kind >= Row::Unreadable) test::write_file(source, row.source);
+    if (row.kind == Row::Unreadable) fs::permissions(source, fs::perms::none);
     if (row.kind == Row::OutputMissing) output = dir.file("gone/titles.xml");
     if (row.kind == Row::OutputFolder) fs::create_directory(output);
+    if (row.kind == Row::OutputReadOnly) {
+      fs::create_directory(dir.file("kept"));
+      output = dir.file("kept/titles.xml");
+    }
     if (row.kind == Row::FullDisk) {
       fs::create_directory(dir.file("small"));
       if (::mount("tmpfs", dir.file("small").c_str(), "tmpfs", 0, "size=4k") != 0) {
@@ -125,8 +139,12 @@ TEST(FailureMatrix, EveryFaultEndsWithOneLocatedMessageAndThePreviousOutput) {
     std::vector<std::string> argv{QUILLORY_BINARY, "--output", output};
     argv.insert(argv.end(), row.args.begin(), row.args.end());
     argv.push_back(source);
+    if (row.kind == Row::OutputReadOnly) {
+      fs::permissions(dir.file("kept"), fs::perms::owner_read | fs::perms::owner_exec);
+    }
     const auto result =
         test::run_command(argv, {"XDG_DATA_HOME=" + dir.path().string()}, stop_once_writing);
+    if (row.kind == Row::OutputReadOnly) fs::permissions(dir.file("kept"), fs::perms::owner_all);
     EXPECT_EQ(result.exit_code, row.exit) << result.err;
     if (row.kind != Row::Stopped) {
       EXPECT_EQ(result.err.rfind("quillory: ", 0), 0U) << result.err;
