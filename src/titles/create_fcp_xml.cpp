@@ -213,6 +213,7 @@ class ItemWriter {
         progress_(progress) {
     if (settings.timecode_reader) {
       filter_ = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
+      remove_formatting_blanks(xml::as_node(filter_.get()));
     }
   }
 
