@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "xml/xml_nodes.h"
+
 namespace quillory {
 namespace {
 
@@ -46,13 +48,6 @@ class Reader {
   std::size_t pos_ = 0;
 };
 
-std::string_view trim(std::string_view text) {
-  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-  while (!text.empty() && blank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && blank(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 // Z, +HH, +HHMM, +HH:MM (or with a minus); the offset is read only to be checked.
 bool read_zone(Reader& in) {
   if (in.accept('Z')) return true;
@@ -80,7 +75,7 @@ std::optional<DateTime> make_date_time(int year, int month, int day, int hour, i
 }
 
 std::optional<DateTime> parse_date_time(std::string_view text) {
-  Reader in(trim(text));
+  Reader in(xml::trim_blanks(text));
   int year = 0;
   int month = 0;
   int day = 0;

@@ -3,6 +3,8 @@
 #include <cctype>
 #include <sstream>
 
+#include "xml/xml_nodes.h"
+
 namespace quillory {
 
 std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timebase) {
@@ -13,10 +15,7 @@ std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timeb
 }
 
 std::optional<RateRecord> find_frame_rate_loosely(std::string_view ntsc, long long timebase) {
-  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-  while (!ntsc.empty() && blank(ntsc.front())) ntsc.remove_prefix(1);
-  while (!ntsc.empty() && blank(ntsc.back())) ntsc.remove_suffix(1);
-  std::string upper(ntsc);
+  std::string upper(xml::trim_blanks(ntsc));
   for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   return find_frame_rate(upper, timebase);
 }

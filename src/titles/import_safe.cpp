@@ -29,11 +29,6 @@ std::string uuid_name(const ImportSafeRun& run, const std::string& what) {
          run.sequence_name + "\n" + what;
 }
 
-void set_child_text(xmlNode* parent, const char* name, const std::string& text) {
-  if (parent == nullptr) return;
-  if (xmlNode* child = xml::first_child_element(parent, name)) xml::set_text(child, text);
-}
-
 std::string describe(const xmlNode* element) {
   const std::string name = xml::text_content(xml::first_child_element(element, "name"));
   return "<" + std::string(reinterpret_cast<const char*>(element->name)) + "> \"" + name + "\"";
@@ -56,8 +51,8 @@ ImportSafeOutput::ImportSafeOutput(const std::vector<ClipRecord>& clips, ImportS
 }
 
 void ImportSafeOutput::prepare_sequence(xmlNode* sequence, xmlNode* outline) {
-  set_child_text(sequence, "duration", std::to_string(run_.duration));
-  set_child_text(sequence, "uuid", name_uuid(uuid_name(run_, "sequence")));
+  xml::set_child_text(sequence, "duration", std::to_string(run_.duration));
+  xml::set_child_text(sequence, "uuid", name_uuid(uuid_name(run_, "sequence")));
   xmlNode* rate = xml::first_child_element(sequence, "rate");
   ntsc_ = xml::text_content(xml::first_child_element(rate, "ntsc"));
   timebase_ = xml::text_content(xml::first_child_element(rate, "timebase"));
@@ -66,8 +61,8 @@ void ImportSafeOutput::prepare_sequence(xmlNode* sequence, xmlNode* outline) {
 
 void ImportSafeOutput::prepare_title_template(xmlNode* title) {
   if (xmlNode* rate = xml::first_child_element(title, "rate")) {
-    set_child_text(rate, "ntsc", ntsc_);
-    set_child_text(rate, "timebase", timebase_);
+    xml::set_child_text(rate, "ntsc", ntsc_);
+    xml::set_child_text(rate, "timebase", timebase_);
   }
   title_ = describe(title);
   xml::walk_elements(title, [this](xmlNode* element) {
@@ -115,13 +110,13 @@ void ImportSafeOutput::define_files(xmlNode* item) {
 // Checks every element, files aside, against the ids written before: a file reference is
 // meant to repeat its definition's id.
 void ImportSafeOutput::check_ids(xmlNode* item) {
-  std::vector<xmlNode*> elements{item};
-  xml::walk_elements(item, [&elements](xmlNode* element) { elements.push_back(element); });
-  for (xmlNode* element : elements) {
+  const auto check = [this](xmlNode* element) {
     if (!is_file(element) && xmlHasProp(element, BAD_CAST "id")) {
       note_id(*xml::attribute(element, "id"), describe(element));
     }
-  }
+  };
+  check(item);
+  xml::walk_elements(item, check);
 }
 
 void ImportSafeOutput::note_id(const std::string& id, const std::string& who) {

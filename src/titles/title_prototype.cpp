@@ -108,11 +108,6 @@ constexpr std::array<std::pair<std::string_view, int>, 6> kMarks{{
 
 std::string mark(int field) { return std::string(kMarks[static_cast<std::size_t>(field)].first); }
 
-void set_if_present(xmlNode* parent, const char* name, const std::string& text) {
-  if (parent == nullptr) return;
-  if (xmlNode* child = xml::first_child_element(parent, name)) xml::set_text(child, text);
-}
-
 // Text content as libxml2 escapes it when writing UTF-8.
 std::string escaped(const std::string& text) {
   std::string out;
@@ -137,8 +132,8 @@ TitlePrototype::Text TitlePrototype::serialize(
   xmlNode* title = last_element(nodes);
   if (own_ids) {
     xmlSetProp(title, BAD_CAST "id", BAD_CAST mark(4).c_str());
-    set_if_present(title, "masterclipid", mark(4));
-    set_if_present(xml::first_child_element(title, "itemhistory"), "uuid", mark(5));
+    xml::set_child_text(title, "masterclipid", mark(4));
+    xml::set_child_text(xml::first_child_element(title, "itemhistory"), "uuid", mark(5));
   }
   finish(title);
   std::unique_ptr<xmlOutputBuffer, int (*)(xmlOutputBuffer*)> buffer(xmlAllocOutputBuffer(nullptr),

@@ -118,6 +118,18 @@ void set_text(xmlNode* element, const std::string& text) {
                        static_cast<int>(text.size()));
 }
 
+void set_child_text(xmlNode* parent, const char* name, const std::string& text) {
+  if (parent == nullptr) return;
+  if (xmlNode* child = first_child_element(parent, name)) set_text(child, text);
+}
+
+std::string_view trim_blanks(std::string_view text) {
+  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+  while (!text.empty() && blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && blank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
 std::string where(const xmlNode* node) {
   std::string text = "<" + std::string(reinterpret_cast<const char*>(node->name)) + ">";
   const long line = xmlGetLineNo(node);

@@ -5,6 +5,7 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "xml/xml_handles.h"
@@ -47,6 +48,12 @@ void set_text(xmlNode* element, const std::string& text);
 // The element's name, the line libxml2 recorded for it and the document it comes from, e.g.
 // "<clip> at line 12 of /Volumes/Edit/dailies.xml".
 std::string where(const xmlNode* node);
+
+// Replaces the text of the child `name` of `parent`, when both are there.
+void set_child_text(xmlNode* parent, const char* name, const std::string& text);
+
+// The text without the blanks (space, tab, carriage return, line feed) around it.
+std::string_view trim_blanks(std::string_view text);
 
 // Reads a leading decimal integer the way C's strtol does: leading blanks and a sign allowed,
 // reading stops at the first non-digit, no digits give 0. Out-of-range values saturate.
