@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <iostream>
+#include <new>
 #include <memory>
 
 #include <unistd.h>
@@ -119,6 +120,9 @@ int main(int argc, char** argv) {
     return run(options);
   } catch (const quillory::IncompleteInput& error) {
     std::cerr << error.what() << kTolerantHint << "\n";
+    return status(ExitCode::Failed);
+  } catch (const std::bad_alloc&) {
+    std::cerr << quillory::out_of_memory_message(options.source) << "\n";
     return status(ExitCode::Failed);
   } catch (const std::exception& error) {
     std::cerr << error.what() << "\n";

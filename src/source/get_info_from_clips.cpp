@@ -231,6 +231,10 @@ OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& b
   LoadedDocument loaded;
   try {
     loaded = parse_xml_file(path, out);
+  } catch (const std::bad_alloc&) {
+    OpenedSource opened;
+    opened.error = out_of_memory_message(path);
+    return opened;
   } catch (const std::exception& error) {
     OpenedSource opened;
     opened.error = error.what();
@@ -249,11 +253,16 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
   out.line("...done!");
   opened.status = OpenStatus::Broken;
   opened.templates = {built_in};
+  const auto* url = loaded.document->URL;
+  const std::string path = url != nullptr ? reinterpret_cast<const char*>(url) : "the source";
   try {
     read_clips(xml::share(std::move(loaded.document)), tolerant, opened, out);
   } catch (const IncompleteInput& error) {
     opened.error = error.what();
     opened.incomplete = true;
+    return opened;
+  } catch (const std::bad_alloc&) {
+    opened.error = out_of_memory_message(path);
     return opened;
   } catch (const std::exception& error) {
     opened.error = error.what();

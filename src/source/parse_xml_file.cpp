@@ -20,6 +20,7 @@
 #include <unistd.h>
 
 #include "source/line_repair.h"
+#include "xml/failure.h"
 #include "xml/read_xml.h"
 
 namespace quillory {
@@ -105,6 +106,12 @@ Descriptor open_source(const std::string& path) {
 // repair of the text can change that: such a file is refused as it stands.
 void refuse_past_limits(const xml::ParsedXml& parsed, const std::string& path) {
   for (const auto& diagnostic : parsed.diagnostics) {
+    // libxml2 reports a text past its limit as an allocation failure of a "huge text node".
+    const bool huge_text = diagnostic.message.find("huge") != std::string::npos;
+    if (diagnostic.code == XML_ERR_NO_MEMORY && !huge_text) {
+      throw std::runtime_error(out_of_memory_message(path) + " (" +
+                               xml::describe(diagnostic, path) + ")");
+    }
     if (diagnostic.code == XML_ERR_INTERNAL_ERROR || diagnostic.code == XML_ERR_NO_MEMORY) {
       throw std::runtime_error("quillory: cannot read " + path + ": " +
                                xml::describe(diagnostic, path) +

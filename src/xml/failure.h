@@ -23,6 +23,11 @@ inline std::string shown(const std::string& text) {
   throw std::runtime_error("quillory: " + message);
 }
 
+// What the user can do when a run on `path` runs out of memory.
+inline std::string out_of_memory_message(const std::string& path) {
+  return "quillory: ran out of memory with " + path + ": free memory, or split the export";
+}
+
 // Input that breaks a rule of the format which tolerant reading replaces by a stated
 // assumption. Hosts tell the user that switching tolerant reading on takes it.
 class IncompleteInput : public std::runtime_error {
