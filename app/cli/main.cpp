@@ -4,7 +4,6 @@
 
 #include <csignal>
 #include <iostream>
-#include <new>
 #include <memory>
 
 #include <unistd.h>
@@ -121,11 +120,8 @@ int main(int argc, char** argv) {
   } catch (const quillory::IncompleteInput& error) {
     std::cerr << error.what() << kTolerantHint << "\n";
     return status(ExitCode::Failed);
-  } catch (const std::bad_alloc&) {
-    std::cerr << quillory::out_of_memory_message(options.source) << "\n";
-    return status(ExitCode::Failed);
   } catch (const std::exception& error) {
-    std::cerr << error.what() << "\n";
+    std::cerr << quillory::failure_message(error, options.source) << "\n";
     return status(ExitCode::Failed);
   }
 }

@@ -24,8 +24,6 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include <new>
-
 #include "busy_scope.h"
 #include "document_bar.h"
 #include "form_panel.h"
@@ -237,10 +235,8 @@ bool MainWindow::createTitles() {
                               *progress_);
     } catch (const IncompleteInput& failure) {
       error = QString::fromStdString(failure.what()) + document_->tolerantHint();
-    } catch (const std::bad_alloc&) {
-      error = QString::fromStdString(out_of_memory_message(local_path(source_path_)));
     } catch (const std::exception& failure) {
-      error = QString::fromStdString(failure.what());
+      error = QString::fromStdString(failure_message(failure, local_path(source_path_)));
     }
   }
   if (!error.isEmpty()) {

@@ -231,13 +231,9 @@ OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& b
   LoadedDocument loaded;
   try {
     loaded = parse_xml_file(path, out);
-  } catch (const std::bad_alloc&) {
-    OpenedSource opened;
-    opened.error = out_of_memory_message(path);
-    return opened;
   } catch (const std::exception& error) {
     OpenedSource opened;
-    opened.error = error.what();
+    opened.error = failure_message(error, path);
     return opened;
   }
   return read_loaded_source(std::move(loaded), built_in, tolerant, out);
@@ -261,11 +257,8 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
     opened.error = error.what();
     opened.incomplete = true;
     return opened;
-  } catch (const std::bad_alloc&) {
-    opened.error = out_of_memory_message(path);
-    return opened;
   } catch (const std::exception& error) {
-    opened.error = error.what();
+    opened.error = failure_message(error, path);
     return opened;
   }
   opened.rates_repeated = remove_duplicates(opened.frame_rates);

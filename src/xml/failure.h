@@ -2,6 +2,7 @@
 // The one way the operations report input they cannot work with: an exception whose message
 // is meant for the user, in the form every host shows as it stands.
 
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -26,6 +27,13 @@ inline std::string shown(const std::string& text) {
 // What the user can do when a run on `path` runs out of memory.
 inline std::string out_of_memory_message(const std::string& path) {
   return "quillory: ran out of memory with " + path + ": free memory, or split the export";
+}
+
+// The message a host shows for a failed run on `path`: the failure's own, which names what
+// went wrong, except that running out of memory (which names nothing) says what to do.
+inline std::string failure_message(const std::exception& error, const std::string& path) {
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return out_of_memory_message(path);
+  return error.what();
 }
 
 // Input that breaks a rule of the format which tolerant reading replaces by a stated
