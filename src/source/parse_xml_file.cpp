@@ -186,24 +186,32 @@ LoadedDocument repaired(const std::string& bytes, const xml::ParsedXml& first,
 
 }  // namespace
 
-LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
-  // A well-formed file, the usual case, is parsed as it is read; only a file to repair is
-  // read whole.
-  xml::ParsedXml first = xml::read_xml_fd(open_source(path).get(), path, kFirstParseOptions);
-  refuse_past_limits(first, path);
-  xml::Document document = require_document(first, path);
-  if (!first.diagnostics.empty()) return repaired(read_file_bytes(path), first, path, out);
+namespace {
+
+// The document of a first parse that found nothing wrong, else of the repaired text, which
+// `bytes()` gives only then.
+template <typename Bytes>
+LoadedDocument checked(xml::ParsedXml& first, const std::string& name, LineSink& out,
+                       Bytes bytes) {
+  refuse_past_limits(first, name);
+  xml::Document document = require_document(first, name);
+  if (!first.diagnostics.empty()) return repaired(bytes(), first, name, out);
   out.line("no errors parsing file!");
   return loaded(std::move(document));
 }
 
+}  // namespace
+
+LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
+  // A well-formed file, the usual case, is parsed as it is read; only a file to repair is
+  // read whole.
+  xml::ParsedXml first = xml::read_xml_fd(open_source(path).get(), path, kFirstParseOptions);
+  return checked(first, path, out, [&] { return read_file_bytes(path); });
+}
+
 LoadedDocument parse_xml_bytes(const std::string& bytes, const std::string& name, LineSink& out) {
   xml::ParsedXml first = xml::read_xml(bytes, name, kFirstParseOptions);
-  refuse_past_limits(first, name);
-  xml::Document document = require_document(first, name);
-  if (!first.diagnostics.empty()) return repaired(bytes, first, name, out);
-  out.line("no errors parsing file!");
-  return loaded(std::move(document));
+  return checked(first, name, out, [&]() -> const std::string& { return bytes; });
 }
 
 }  // namespace quillory
