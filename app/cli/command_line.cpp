@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "startup/frame_rates.h"
-#include "titles/compose_title_text.h"
+#include "source/get_info_from_clips.h"
 
 namespace quillory::cli {
 namespace {
@@ -33,9 +33,9 @@ struct RateName : CLI::Validator {
 
 }  // namespace
 
-std::array<std::string, 5> default_line_choices() {
+std::array<std::string, 5> default_choices() {
   std::array<std::string, 5> choices;
-  const LineSettings defaults = default_line_settings();
+  const LineSettings defaults = Form().lines;
   for (std::size_t i = 0; i < choices.size(); ++i) choices[i] = defaults[i].choice.value_or("");
   return choices;
 }
@@ -78,21 +78,20 @@ void add_options(CLI::App& app, Options& options) {
              "\nExit status: 0 written, 1 not an xmeml document or an error, 2 usage error.");
 }
 
-TitleSettings title_settings(const Options& options, const OpenedSource& opened) {
-  TitleSettings settings;
-  settings.template_name = options.template_name;
-  settings.sequence_name = options.name ? *options.name : sequence_name_for(options.source);
-  const auto chosen = options.rate ? find_frame_rate_by_type(*options.rate) : std::nullopt;
-  settings.set_rate(chosen ? *chosen : default_sequence_rate(opened.frame_rates));
-  for (std::size_t i = 0; i < 5; ++i) {
-    settings.lines[i].label = options.labels[i];
-    settings.lines[i].choice =
+Form form_from_options(const Options& options) {
+  Form form;
+  form.templatePopup = options.template_name;
+  form.ratePopup = options.rate;
+  form.nameField = options.name.value_or(sequence_name_for(options.source));
+  for (std::size_t i = 0; i < form.lines.size(); ++i) {
+    form.lines[i].label = options.labels[i];
+    form.lines[i].choice =
         options.lines[i].empty() ? std::nullopt : std::optional<std::string>(options.lines[i]);
   }
-  settings.timecode_reader = options.tcr;
-  settings.tolerant = options.tolerant;
-  settings.import_safe = options.import_safe;
-  return settings;
+  form.tcrCheckbox = options.tcr ? kCheckboxOn : 0;
+  form.tolerantCheckbox = options.tolerant ? kCheckboxOn : 0;
+  form.importSafeCheckbox = options.import_safe ? kCheckboxOn : 0;
+  return form;
 }
 
 }  // namespace quillory::cli

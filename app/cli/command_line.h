@@ -5,8 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "source/get_info_from_clips.h"
-#include "titles/title_settings.h"
+#include "form/form.h"
 
 namespace CLI {
 class App;
@@ -15,14 +14,14 @@ class App;
 namespace quillory::cli {
 
 // The choice titles of the five lines as a first launch sets them up.
-std::array<std::string, 5> default_line_choices();
+std::array<std::string, 5> default_choices();
 
 struct Options {
   std::string source;
   std::optional<std::string> template_name;
   std::optional<std::string> name;
   std::array<std::string, 5> labels;
-  std::array<std::string, 5> lines = default_line_choices();
+  std::array<std::string, 5> lines = default_choices();
   bool tcr = false;
   std::optional<std::string> rate;
   std::optional<std::string> output;
@@ -37,7 +36,8 @@ struct Options {
 // Declares every option on `app`, bound to `options`.
 void add_options(CLI::App& app, Options& options);
 
-// The settings of the run: what the options give, the defaults for the rest.
-TitleSettings title_settings(const Options& options, const OpenedSource& opened);
+// The form the options fill in, the way a user fills in the window's controls; without
+// --name the sequence is named after the source file.
+Form form_from_options(const Options& options);
 
 }  // namespace quillory::cli

@@ -12,10 +12,9 @@
 #include "exit_code.h"
 #include "listing.h"
 #include "terminal_progress.h"
+#include "form/controller.h"
 #include "startup/startup.h"
-#include "titles/create_fcp_xml.h"
 #include "titles/replace_file.h"
-#include "titles/sequence_templates.h"
 #include "xml/failure.h"
 
 namespace {
@@ -53,10 +52,9 @@ std::unique_ptr<quillory::LineSink> progress_sink(const quillory::cli::Options& 
 
 int run(const quillory::cli::Options& options) {
   const auto progress = progress_sink(options);
-  const quillory::OutputPaths paths = quillory::start_up();
-  const quillory::OpenedSource opened =
-      quillory::get_info_from_clips(options.source, quillory::built_in_template(),
-                                    options.tolerant, *progress);
+  quillory::Controller controller(quillory::start_up());
+  const quillory::Form form = quillory::cli::form_from_options(options);
+  const quillory::OpenOutcome opened = controller.get_info_from_clips(options.source, form, *progress);
   switch (opened.status) {
     case quillory::OpenStatus::Opened:
       break;
@@ -69,28 +67,28 @@ int run(const quillory::cli::Options& options) {
       std::cerr << opened.error << (opened.incomplete ? kTolerantHint : "") << "\n";
       return status(ExitCode::Failed);
   }
-  const quillory::TitleSettings settings = quillory::cli::title_settings(options, opened);
   if (options.list) {
     if (options.json) {
-      quillory::cli::print_json_listing(opened, std::cout);
+      quillory::cli::print_json_listing(controller.source(), std::cout);
     } else {
-      quillory::cli::print_listing(opened, std::cout);
+      quillory::cli::print_listing(controller.source(), std::cout);
     }
-    print_report(quillory::report_assumptions(opened.templates, opened.clips));
+    print_report(controller.opening_report());
     return status(ExitCode::Success);
   }
   if (options.preview) {
-    quillory::cli::print_preview(opened.clips, settings.lines, std::cout);
-    print_report(quillory::report_assumptions(opened.templates, opened.clips));
+    quillory::cli::print_preview(controller.source().clips, controller.title_settings(form).lines,
+                                 std::cout);
+    print_report(controller.opening_report());
     return status(ExitCode::Success);
   }
-  const auto path = options.output ? options.output : paths.TEMP_XML_FILE;
+  const auto path = options.output ? options.output : controller.paths().TEMP_XML_FILE;
   quillory::AssumptionReport report;
   {
     const bool on_terminal = isatty(STDERR_FILENO) == 1;
     const bool lines_on_terminal = !options.quiet && isatty(STDOUT_FILENO) == 1;
     quillory::cli::TerminalProgress display(*progress, std::cerr, on_terminal, lines_on_terminal);
-    report = quillory::create_fcp_xml(opened.templates, opened.clips, settings, path, display);
+    report = controller.create_fcp_xml(form, display, path);
   }
   print_report(report);
   std::cerr << "quillory: wrote " << *path << "\n";

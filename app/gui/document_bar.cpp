@@ -1,7 +1,6 @@
 #include "document_bar.h"
 
 #include <QCheckBox>
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -46,10 +45,10 @@ QString DocumentBar::tolerantHint() const {
       .arg(tolerant_->text());
 }
 
-void DocumentBar::showDocument(const QString& path) {
-  icon_->setHidden(false);
-  icon_->setToolTip(path);
-  file_name_->setText(QFileInfo(path).fileName());
+void DocumentBar::showDocument(const FileDisplay& display) {
+  icon_->setHidden(display.xmlIconHidden);
+  icon_->setToolTip(QString::fromStdString(display.xmlIconToolTip));
+  file_name_->setText(QString::fromStdString(display.xmlFileName));
 }
 
 }  // namespace quillory::gui

@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include "form/form.h"
+
 class QCheckBox;
 class QLabel;
 class QPushButton;
@@ -17,7 +19,7 @@ class DocumentBar : public QWidget {
  public:
   explicit DocumentBar(QWidget* parent = nullptr);
 
-  void showDocument(const QString& path);
+  void showDocument(const FileDisplay& display);
   QPushButton* openButton() const { return open_; }
   QCheckBox* tolerantBox() const { return tolerant_; }
   bool tolerant() const;

@@ -32,19 +32,19 @@ void refill(QComboBox* menu, const QStringList& titles, const QString& fallback)
   menu->setCurrentIndex(index >= 0 ? index : (titles.isEmpty() ? -1 : 0));
 }
 
-// A new sequence may take any rate that the document's clips have, or any rate when they have
-// none.
-QStringList rate_choices(const std::vector<std::string>& rates_met) {
-  QStringList rates;
-  for (const auto& rate : rates_met) rates << QString::fromStdString(rate);
-  if (rates.isEmpty()) {
-    for (const auto& rate : FRAME_RATES) rates << text_of(rate.type);
-  }
-  return rates;
+QStringList texts_of(const std::vector<std::string>& texts) {
+  QStringList list;
+  for (const auto& text : texts) list << QString::fromStdString(text);
+  return list;
 }
 
-QString default_rate(const std::vector<std::string>& rates_met) {
-  return text_of(default_sequence_rate(rates_met).type);
+int checkbox_state(const QCheckBox* box) {
+  switch (box->checkState()) {
+    case Qt::Checked: return kCheckboxOn;
+    case Qt::PartiallyChecked: return -1;
+    case Qt::Unchecked: break;
+  }
+  return 0;
 }
 
 }  // namespace
@@ -62,7 +62,8 @@ FormPanel::FormPanel(QWidget* parent)
   template_menu_->setMinimumContentsLength(16);
   rate_menu_->setObjectName(QStringLiteral("ratePopup"));
   rate_menu_->setToolTip(tr("The new sequence's frame rate"));
-  refill(rate_menu_, rate_choices({}), default_rate({}));
+  const Controller no_document({});
+  refill(rate_menu_, texts_of(no_document.rate_choices()), QString::fromStdString(no_document.default_rate()));
   name_field_->setObjectName(QStringLiteral("nameField"));
   name_field_->setAcceptDrops(false);
   name_field_->setToolTip(tr("The new sequence's name"));
@@ -119,36 +120,27 @@ FormPanel::FormPanel(QWidget* parent)
   restore(default_form_settings());
 }
 
-LineSettings FormPanel::lineSettings() const {
-  LineSettings lines;
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    lines[i].label = labels_[i]->text().toStdString();
-    if (choices_[i]->currentIndex() >= 0) lines[i].choice = choices_[i]->currentText().toStdString();
+Form FormPanel::form() const {
+  Form form;
+  if (template_menu_->currentIndex() >= 0) form.templatePopup = template_menu_->currentText().toStdString();
+  if (rate_menu_->currentIndex() >= 0) form.ratePopup = rate_menu_->currentText().toStdString();
+  form.nameField = name_field_->text().toStdString();
+  for (std::size_t i = 0; i < form.lines.size(); ++i) {
+    form.lines[i].label = labels_[i]->text().toStdString();
+    form.lines[i].choice.reset();
+    if (choices_[i]->currentIndex() >= 0) form.lines[i].choice = choices_[i]->currentText().toStdString();
   }
-  return lines;
+  form.tcrCheckbox = checkbox_state(timecode_reader_);
+  form.importSafeCheckbox = checkbox_state(import_safe_);
+  return form;
 }
 
-TitleSettings FormPanel::settings() const {
-  TitleSettings settings;
-  if (template_menu_->currentIndex() >= 0) {
-    settings.template_name = template_menu_->currentText().toStdString();
-  }
-  settings.sequence_name = name_field_->text().toStdString();
-  if (const auto rate = find_frame_rate_by_type(rate_menu_->currentText().toStdString())) {
-    settings.set_rate(*rate);
-  }
-  settings.lines = lineSettings();
-  settings.timecode_reader = timecode_reader_->checkState() == Qt::Checked;
-  settings.import_safe = import_safe_->isChecked();
-  return settings;
-}
-
-void FormPanel::showDocument(const OpenedSource& opened, const QString& sequence_name) {
+void FormPanel::showDocument(const Controller& controller) {
   QStringList templates;
-  for (const auto& title : opened.templates) templates << QString::fromStdString(title.name);
+  for (const auto& title : controller.source().templates) templates << QString::fromStdString(title.name);
   refill(template_menu_, templates, QString());
-  refill(rate_menu_, rate_choices(opened.frame_rates), default_rate(opened.frame_rates));
-  name_field_->setText(sequence_name);
+  refill(rate_menu_, texts_of(controller.rate_choices()), QString::fromStdString(controller.default_rate()));
+  name_field_->setText(QString::fromStdString(controller.document_sequence_name()));
 }
 
 void FormPanel::restore(const FormSettings& values) {

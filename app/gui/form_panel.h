@@ -1,14 +1,13 @@
 #pragma once
 // The controls that say what a run creates: the title template, the sequence's rate and name,
-// the five title lines, the Timecode Reader and import-safe output. The panel owns them and hands out their state
-// as the core's settings.
+// the five title lines, the Timecode Reader and import-safe output. The panel owns them and
+// hands out what they hold as the form.
 
 #include <QWidget>
 #include <array>
 
+#include "form/controller.h"
 #include "form_settings.h"
-#include "source/get_info_from_clips.h"
-#include "titles/title_settings.h"
 
 class QCheckBox;
 class QComboBox;
@@ -22,12 +21,12 @@ class FormPanel : public QWidget {
  public:
   explicit FormPanel(QWidget* parent = nullptr);
 
-  TitleSettings settings() const;
-  LineSettings lineSettings() const;
+  // What the panel's controls hold; the document bar's checkbox is the window's to add.
+  Form form() const;
 
-  // Offers the templates and rates of a newly opened document, keeping the chosen ones where
-  // it still has them, and names the sequence after it.
-  void showDocument(const OpenedSource& opened, const QString& sequence_name);
+  // Offers the templates and rates of the document the controller opened, keeping the chosen
+  // ones where it still has them, and names the sequence after it.
+  void showDocument(const Controller& controller);
 
   void restore(const FormSettings& values);
   void store(FormSettings& values) const;

@@ -32,8 +32,6 @@
 #include "operation_progress.h"
 #include "output_bar.h"
 #include "title_preview.h"
-#include "titles/create_fcp_xml.h"
-#include "titles/sequence_templates.h"
 #include "xml/failure.h"
 
 namespace quillory::gui {
@@ -57,7 +55,7 @@ QString dropped_document(const QMimeData* mime) {
 }  // namespace
 
 MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
-    : QMainWindow(parent), paths_(std::move(paths)) {
+    : QMainWindow(parent), controller_(std::move(paths)) {
   setWindowTitle(tr("Quillory"));
   setWindowIcon(style()->standardIcon(QStyle::SP_FileIcon));
   setAcceptDrops(true);
@@ -87,7 +85,8 @@ void MainWindow::buildWidgets() {
   document_ = new DocumentBar(central);
   form_ = new FormPanel(central);
   auto* preview_box = new QGroupBox(tr("Preview"), central);
-  preview_ = new TitlePreview([this] { return form_->lineSettings(); }, preview_box);
+  preview_ = new TitlePreview([this] { return controller_.title_settings(form()).lines; },
+                              preview_box);
   (new QVBoxLayout(preview_box))->addWidget(preview_);
   auto* columns = new QHBoxLayout;
   columns->addWidget(form_, 3);
@@ -158,7 +157,8 @@ void MainWindow::saveSettings() const {
 }
 
 QString MainWindow::outputPath() const {
-  return paths_.TEMP_XML_FILE ? QString::fromStdString(*paths_.TEMP_XML_FILE) : QString();
+  const auto& path = controller_.paths().TEMP_XML_FILE;
+  return path ? QString::fromStdString(*path) : QString();
 }
 
 void MainWindow::chooseDocument() {
@@ -172,11 +172,10 @@ void MainWindow::chooseDocument() {
 bool MainWindow::openDocument(const QString& path) {
   if (busy_) return false;
   const QString name = QFileInfo(path).fileName();
-  OpenedSource opened;
+  OpenOutcome opened;
   {
     const BusyScope busy = busyWith(tr("Opening %1…").arg(name));
-    opened = get_info_from_clips(local_path(path), built_in_template(), document_->tolerant(),
-                                 *progress_);
+    opened = controller_.get_info_from_clips(local_path(path), form(), *progress_);
   }
   const QString error = QString::fromStdString(opened.error);
   switch (opened.status) {
@@ -193,7 +192,7 @@ bool MainWindow::openDocument(const QString& path) {
     case OpenStatus::Broken:
       // The display and the menus show what was read, but no titles are made from half a
       // document.
-      showDocument(std::move(opened), path);
+      showDocument(path);
       statusBar()->showMessage(tr("Could not read all of %1; open it again once mended.").arg(name));
       show_error(this, tr("Could not read all of %1. No titles can be created from it.").arg(name),
                  error + (opened.incomplete ? document_->tolerantHint() : QString()));
@@ -201,38 +200,37 @@ bool MainWindow::openDocument(const QString& path) {
     case OpenStatus::Opened:
       break;
   }
-  showDocument(std::move(opened), path);
-  showReport(report_assumptions(source_.templates, source_.clips),
-             tr("Opened %1: %2 clips, %3 templates.")
-                 .arg(name)
-                 .arg(source_.clips.size())
-                 .arg(source_.templates.size()));
+  showDocument(path);
+  showReport(controller_.opening_report(), tr("Opened %1: %2 clips, %3 templates.")
+                                               .arg(name)
+                                               .arg(controller_.source().clips.size())
+                                               .arg(controller_.source().templates.size()));
   return true;
 }
 
-void MainWindow::showDocument(OpenedSource opened, const QString& path) {
-  source_ = std::move(opened);
-  source_complete_ = source_.status == OpenStatus::Opened;
+void MainWindow::showDocument(const QString& path) {
   source_path_ = path;
-  document_->showDocument(path);
-  form_->showDocument(
-      source_, QString::fromStdString(sequence_name_for(QFileInfo(path).fileName().toStdString())));
+  document_->showDocument(controller_.display());
+  form_->showDocument(controller_);
   last_folder_ = QFileInfo(path).absolutePath();
-  preview_->setClips(&source_.clips);
+  preview_->setClips(&controller_.source().clips);
   updateActions();
 }
 
+Form MainWindow::form() const {
+  Form values = form_->form();
+  values.tolerantCheckbox = document_->tolerant() ? kCheckboxOn : 0;
+  return values;
+}
+
 bool MainWindow::createTitles() {
-  if (busy_ || !source_complete_) return false;
+  if (busy_ || !controller_.can_create()) return false;
   QString error;
   AssumptionReport report;
   {
     const BusyScope busy = busyWith(tr("Creating titles…"));
-    TitleSettings settings = form_->settings();
-    settings.tolerant = document_->tolerant();
     try {
-      report = create_fcp_xml(source_.templates, source_.clips, settings, paths_.TEMP_XML_FILE,
-                              *progress_);
+      report = controller_.create_fcp_xml(form(), *progress_);
     } catch (const IncompleteInput& failure) {
       error = QString::fromStdString(failure.what()) + document_->tolerantHint();
     } catch (const std::exception& failure) {
@@ -245,7 +243,9 @@ bool MainWindow::createTitles() {
     return false;
   }
   output_->showWritten();
-  showReport(report, tr("Wrote %1 titles to %2.").arg(source_.clips.size()).arg(outputPath()));
+  showReport(report, tr("Wrote %1 titles to %2.")
+                         .arg(controller_.source().clips.size())
+                         .arg(outputPath()));
   return true;
 }
 
@@ -257,7 +257,7 @@ void MainWindow::showReport(const AssumptionReport& report, const QString& statu
 }
 
 QString MainWindow::suggestedCopy() const {
-  const std::string name = form_->settings().sequence_name;
+  const std::string name = form_->form().nameField;
   return QDir(last_folder_)
       .filePath(name.empty() ? QStringLiteral("Titles.xml") : QString::fromStdString(name) + ".xml");
 }
@@ -277,8 +277,8 @@ BusyScope MainWindow::busyWith(const QString& message) {
 }
 
 void MainWindow::updateActions() {
-  create_button_->setEnabled(source_complete_ && !busy_);
-  create_action_->setEnabled(source_complete_ && !busy_);
+  create_button_->setEnabled(controller_.can_create() && !busy_);
+  create_action_->setEnabled(controller_.can_create() && !busy_);
   open_action_->setEnabled(!busy_);
 }
 

@@ -6,9 +6,7 @@
 #include <QMainWindow>
 #include <memory>
 
-#include "source/assumption_report.h"
-#include "source/get_info_from_clips.h"
-#include "startup/startup.h"
+#include "form/controller.h"
 
 class QAction;
 class QPushButton;
@@ -41,6 +39,8 @@ class MainWindow : public QMainWindow {
   // Where runs write; empty when no data folder is known.
   QString outputPath() const;
   bool isBusy() const { return busy_; }
+  // What the form panel and the document bar hold.
+  Form form() const;
   void saveSettings() const;
 
  protected:
@@ -54,17 +54,14 @@ class MainWindow : public QMainWindow {
   void setTabOrder();
   void restoreSettings();
   void chooseDocument();
-  void showDocument(OpenedSource opened, const QString& path);
+  void showDocument(const QString& path);
   QString suggestedCopy() const;
   void updateActions();
   // Locks the form while one operation runs.
   BusyScope busyWith(const QString& message);
   void showReport(const AssumptionReport& report, const QString& status);
-  OutputPaths paths_;
-  // What the last open that got past the xmeml check read; titles are created from it only
-  // when it was read whole.
-  OpenedSource source_;
-  bool source_complete_ = false;
+  // Holds what the last open that got past the xmeml check read.
+  Controller controller_;
   QString source_path_;  // of the document the window shows; empty before the first
 
   FormPanel* form_ = nullptr;

@@ -1,61 +1,77 @@
 #pragma once
-// The window controller as the system was designed around: named controls that the operations
-// read and a file display that they update, with the working lists kept in its fields between
-// opening a document and creating titles. It adapts those operations to the core's functions
-// on values; hosts may use either.
+// The window controller both hosts drive: it owns the open document, turns what the form
+// holds into the settings of a run, and decides what may be created. The window fills the
+// form from its widgets, the command line from its options; neither maps settings itself.
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "form/controller_fields.h"
-#include "form/controls.h"
-#include "source/media_file_record.h"
-#include "source/parse_xml_file.h"
-#include "startup/startup.h"
+#include "form/form.h"
 #include "source/assumption_report.h"
+#include "source/get_info_from_clips.h"
+#include "startup/startup.h"
 #include "titles/title_settings.h"
 #include "xml/line_sink.h"
 
 namespace quillory {
 
-class Controller {
- public:
-  // `form` and `out` are the host's and must outlive the controller.
-  Controller(Form form, LineSink& out, OutputPaths paths);
-
-  // The operations, in the order they are made available at start-up.
-  LoadedDocument parse_xml_file(const std::string& path);
-  std::string empty_sequence_xml() const;
-  std::string lower_third_xml() const;
-  std::string tcr_filter_xml() const;
-  std::vector<MediaFileRecord> get_files_info(const std::vector<xmlNode*>& files);
-  // None when the document's root is not "xmeml" (nothing changes then) or when no rate name
-  // was met twice; otherwise the de-duplicated `frame_rates`. Throws when the document cannot
-  // be read, or when a clip lacks something; what the clips before it gave stays in the fields
-  // and the display shows the new document.
-  std::optional<std::vector<std::string>> get_info_from_clips(const std::string& path);
-  // Writes to TEMP_XML_FILE, or to `output_path` when one is given. Returns what tolerant
-  // reading assumed for the clips.
-  AssumptionReport create_fcp_xml(const std::optional<std::string>& output_path = std::nullopt);
-
-  // Sets `ntsc` and `timebase` from the frame-rate row named `type`; false (nothing changed)
-  // when no row has that name.
-  bool set_sequence_rate(std::string_view type);
-
-  ControllerFields& fields() { return fields_; }
-  const ControllerFields& fields() const { return fields_; }
-  const Form& form() const { return form_; }
-
- private:
-  Form form_;
-  LineSink& out_;
-  OutputPaths paths_;
-  ControllerFields fields_;
+// How an open went: for a document not read whole, what went wrong and where, and whether
+// tolerant reading would take it.
+struct OpenOutcome {
+  OpenStatus status = OpenStatus::Unreadable;
+  std::string error;
+  bool incomplete = false;
 };
 
-// What the form's controls and the rate fields ask of a run, read at the moment of the call.
-TitleSettings read_title_settings(const Form& form, const ControllerFields& fields);
+class Controller {
+ public:
+  explicit Controller(OutputPaths paths);
+
+  // Opens the document at `path`, reading it as the form's "Accept incomplete exports" asks.
+  // A document that cannot be loaded, or whose first node is not <xmeml>, changes nothing.
+  // Otherwise the display shows it and its lists replace the previous document's, also when a
+  // clip or file definition breaks it off (Broken): then what the clips before it gave is
+  // kept, to be shown, but nothing can be created from it.
+  OpenOutcome get_info_from_clips(const std::string& path, const Form& form, LineSink& out);
+
+  // Titles are made only from a document that opened whole.
+  bool can_create() const { return source_.status == OpenStatus::Opened; }
+
+  // Writes the titles of the open document as `form` asks, to `output_path` or else to the
+  // Ferncroft folder's file. Throws when nothing can be created (see can_create), and as
+  // create_fcp_xml throws; the previous output file then stays as it was.
+  AssumptionReport create_fcp_xml(const Form& form, LineSink& out,
+                                  const std::optional<std::string>& output_path = {}) const;
+
+  // What a run with `form` asks of the core, each choice resolved: the template the form
+  // names, else the first; the rate it names, else the document's first.
+  TitleSettings title_settings(const Form& form) const;
+
+  // The rates the window's rate menu offers: each rate the document's clips have, once, or
+  // every rate when they have none (or before a document is open).
+  std::vector<std::string> rate_choices() const;
+  // The rate a run takes when the form names none: the document's first.
+  std::string default_rate() const;
+
+  // What tolerant reading assumed while opening.
+  AssumptionReport opening_report() const;
+
+  // The name a new sequence takes from the open document: its file name without the
+  // extension.
+  std::string document_sequence_name() const;
+
+  const OpenedSource& source() const { return source_; }
+  const FileDisplay& display() const { return display_; }
+  const OutputPaths& paths() const { return paths_; }
+
+ private:
+  // The name of the template a run with `selected` uses.
+  std::optional<std::string> template_used(const std::optional<std::string>& selected) const;
+
+  OutputPaths paths_;
+  OpenedSource source_;
+  FileDisplay display_;
+};
 
 }  // namespace quillory

@@ -36,6 +36,8 @@ inline constexpr std::array<std::string_view, 13> CHOICE_TITLES{
 struct LineSetting {
   std::string label;
   std::optional<std::string> choice;
+
+  bool operator==(const LineSetting&) const = default;
 };
 using LineSettings = std::array<LineSetting, 5>;
 

@@ -25,6 +25,8 @@ struct TitleSettings {
   // their own, each media file defined where it is first used.
   bool import_safe = false;
 
+  bool operator==(const TitleSettings&) const = default;
+
   void set_rate(const RateRecord& rate) {
     ntsc = std::string(rate.ntsc);
     timebase = rate.timebase;

@@ -3,35 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "test_support.h"
-#include "xml/failure.h"
 
 namespace quillory {
 namespace {
 
 using test::file_definition;
 using test::media_clip;
-
-// Controls that hold their values, as a window's would.
-struct Field : TextField {
-  std::string stringValue() const override { return value; }
-  std::string value;
-};
-struct Menu : PopUpMenu {
-  std::optional<std::string> titleOfSelectedItem() const override { return selected; }
-  std::optional<std::string> selected;
-};
-struct Box : Checkbox {
-  int state() const override { return value; }
-  int value = 0;
-};
-struct Display : IconView, TextLabel {
-  void setHidden(bool value) override { hidden = value; }
-  void setToolTip(const std::string& text) override { tool_tip = text; }
-  void setStringValue(const std::string& text) override { shown = text; }
-  void setNeedsDisplay(bool) override {}
-  bool hidden = true;
-  std::string tool_tip, shown;
-};
 
 class ControllerTest : public ::testing::Test {
  protected:
@@ -41,64 +18,69 @@ class ControllerTest : public ::testing::Test {
   }
 
   test::TempDir dir;
-  Menu templates, choices[5];
-  Field name, labels[5];
-  Box tcr, tolerant, import_safe;
-  Display display;
+  Form form;
   RecordingSink out;
   std::string output = dir.file("Quillory.xml");
-  Controller controller{Form{templates, name, labels[0], labels[1], labels[2], labels[3],
-                             labels[4], choices[0], choices[1], choices[2], choices[3],
-                             choices[4], tcr, tolerant, import_safe, display, display},
-                        out, OutputPaths{dir.path().string(), output}};
+  Controller controller{OutputPaths{dir.path().string(), output}};
 };
 
-TEST_F(ControllerTest, OpenShowsTheDocumentAndReplacesTheFields) {
-  const std::string path =
-      write("Edit 1.xml", media_clip("A", "f", 5, file_definition("f", "a.mov")) + media_clip("B", "f", 5));
-  EXPECT_EQ(controller.get_info_from_clips(path), std::vector<std::string>{"PAL (25fps)"});
-  EXPECT_FALSE(display.hidden);
-  EXPECT_EQ(display.tool_tip, path);
-  EXPECT_EQ(display.shown, "Edit 1.xml");
-  EXPECT_EQ(controller.fields().templates_array.at(0).name, "Default");
-  EXPECT_EQ(controller.fields().clips_array.size(), 2U);
+// What may be created from which open: only a document read whole gives titles; one that
+// cannot be read or is not xmeml leaves the previous document in place.
+TEST_F(ControllerTest, TitlesComeOnlyFromADocumentReadWhole) {
+  EXPECT_THROW(controller.create_fcp_xml(form, out), std::runtime_error);
+  const std::string path = write("Edit 1.xml", media_clip("A", "f", 5, file_definition("f", "a.mov")) +
+                                                   media_clip("B", "f", 5));
+  EXPECT_EQ(controller.get_info_from_clips(path, form, out).status, OpenStatus::Opened);
+  EXPECT_FALSE(controller.display().xmlIconHidden);
+  EXPECT_EQ(controller.display().xmlIconToolTip, path);
+  EXPECT_EQ(controller.display().xmlFileName, "Edit 1.xml");
+  EXPECT_EQ(controller.document_sequence_name(), "Edit 1");
 
-  // A document that is not xmeml, or cannot be read, changes nothing; one that breaks off
-  // shows itself and keeps what came before the failing clip.
   test::write_file(dir.file("project.xml"), "<project><clip/></project>");
-  EXPECT_FALSE(controller.get_info_from_clips(dir.file("project.xml")));
-  EXPECT_THROW(controller.get_info_from_clips(dir.file("missing.xml")), std::runtime_error);
-  EXPECT_EQ(display.shown, "Edit 1.xml");
-  EXPECT_EQ(controller.fields().clips_array.size(), 2U);
+  EXPECT_EQ(controller.get_info_from_clips(dir.file("project.xml"), form, out).status,
+            OpenStatus::NotXmeml);
+  EXPECT_NE(controller.get_info_from_clips(dir.file("missing.xml"), form, out).error.find("missing.xml"),
+            std::string::npos);
+  EXPECT_EQ(controller.display().xmlFileName, "Edit 1.xml");
+  EXPECT_TRUE(controller.can_create());
+  EXPECT_EQ(controller.source().clips.size(), 2U);
+
   const std::string broken = write("broken.xml", media_clip("C", "f", 5, file_definition("f", "c.mov")) +
                                                      media_clip("D", "f", 5, "", "true", 24));
-  EXPECT_THROW(controller.get_info_from_clips(broken), IncompleteInput);
-  EXPECT_EQ(display.shown, "broken.xml");
-  EXPECT_EQ(controller.fields().clips_array.at(0).clip_name, "C");
+  EXPECT_TRUE(controller.get_info_from_clips(broken, form, out).incomplete);
+  EXPECT_EQ(controller.display().xmlFileName, "broken.xml");
+  EXPECT_EQ(controller.source().clips.at(0).clip_name, "C");
+  EXPECT_FALSE(controller.can_create());
+  EXPECT_THROW(controller.create_fcp_xml(form, out), std::runtime_error);
+  EXPECT_FALSE(std::filesystem::exists(output));
   // Accepting incomplete exports, the same document opens whole, the unknown rate left out.
-  tolerant.value = 1;
-  EXPECT_FALSE(controller.get_info_from_clips(broken));
-  EXPECT_EQ(controller.fields().clips_array.size(), 2U);
-  EXPECT_TRUE(read_title_settings(controller.form(), controller.fields()).tolerant);
+  form.tolerantCheckbox = kCheckboxOn;
+  EXPECT_EQ(controller.get_info_from_clips(broken, form, out).status, OpenStatus::Opened);
+  EXPECT_EQ(controller.source().clips.size(), 2U);
 }
 
-TEST_F(ControllerTest, CreateReadsTheControlsAtEachRun) {
-  controller.get_info_from_clips(write("d.xml", media_clip("A", "f", 10, file_definition("f", "a.mov"))));
-  ASSERT_TRUE(controller.set_sequence_rate("PAL (25fps)"));
-  name.value = "Day 1";
-  labels[2].value = "hi";
-  choices[2].selected = "Text";
-  tcr.value = -1;  // mixed: no Timecode Reader
-  TitleSettings settings = read_title_settings(controller.form(), controller.fields());
-  EXPECT_FALSE(settings.template_name);
-  EXPECT_EQ(settings.sequence_name + settings.ntsc + std::to_string(settings.timebase), "Day 1FALSE25");
-  EXPECT_EQ(settings.lines[2].label + *settings.lines[2].choice, "hiText");
-  EXPECT_FALSE(settings.lines[0].choice || settings.timecode_reader);
-  templates.selected = "Slate";
-  tcr.value = 1;
-  settings = read_title_settings(controller.form(), controller.fields());
-  EXPECT_TRUE(settings.template_name == "Slate" && settings.timecode_reader);
-  controller.create_fcp_xml();
+TEST_F(ControllerTest, SettingsFollowTheFormAtEachRun) {
+  controller.get_info_from_clips(write("d.xml", media_clip("A", "f", 10, file_definition("f", "a.mov"))),
+                                 form, out);
+  form.nameField = "Day 1";
+  form.lines = {};
+  form.lines[2] = {"hi", "Text"};
+  form.tcrCheckbox = -1;  // mixed: no Timecode Reader
+  TitleSettings settings = controller.title_settings(form);
+  // No rate chosen: the document's first; a rate no row has is the same as none.
+  EXPECT_EQ(settings.ntsc + std::to_string(settings.timebase), "FALSE25");
+  form.ratePopup = "HD (59.94fps)";
+  settings = controller.title_settings(form);
+  EXPECT_EQ(settings.ntsc + std::to_string(settings.timebase), "TRUE60");
+  form.ratePopup = "HD (59.94 fps)";
+  EXPECT_EQ(controller.title_settings(form).timebase, 25);
+  EXPECT_EQ(settings.template_name, "Default");
+  EXPECT_FALSE(settings.timecode_reader || settings.import_safe);
+  form.templatePopup = "Slate";
+  form.tcrCheckbox = kCheckboxOn;
+  settings = controller.title_settings(form);
+  EXPECT_TRUE(settings.template_name == "Default" && settings.timecode_reader);
+  controller.create_fcp_xml(form, out);
   EXPECT_EQ(test::texts(test::parse(test::read_file(output)),
                         "//sequence/name | //generatoritem/effect/parameter[1]/value"),
             "Day 1|hi\r|");
