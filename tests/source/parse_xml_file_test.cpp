@@ -47,8 +47,10 @@ TEST_F(Loading, StructuralFaultGoesThroughAllThreeParses) {
   EXPECT_EQ(out.lines, (std::vector<std::string>{"1 errors parsing file!!!", "...fixing line 2",
                                                  "1 errors parsing good_string!!!"}));
   // A truncated file is reported past its last line, which names nothing to repair.
+  out.lines.clear();
   load("<xmeml>\n<a>\n\n\n");
-  EXPECT_NE(out.lines.at(0).find(" errors parsing file!!!"), std::string::npos);
+  EXPECT_EQ(out.lines, (std::vector<std::string>{"1 errors parsing file!!!", "...fixing line 5",
+                                                 "1 errors parsing good_string!!!"}));
 }
 
 TEST_F(Loading, UnreadableOrEmptySourceFailsNamingThePath) {

@@ -64,13 +64,14 @@ TEST(FrameRates, LookupMatchesFlagAndTimebaseExactlyOrLoosely) {
     const auto rate = find_frame_rate(ntsc, timebase);
     found += std::string(rate ? rate->type : "none") + ";";
     const auto loose = find_frame_rate_loosely(ntsc, timebase);
-    loosely += std::string(loose ? loose->type.substr(0, 5) : "none") + ";";
+    loosely += std::string(loose ? loose->type : "none") + ";";
   }
   EXPECT_EQ(found,
             "24P (24fps);Film (24fps);PAL (25fps);NTSC/HD (29.97fps);Video/HD (30fps);HD (50fps);"
             "HD (59.94fps);HD (60fps);none;none;none;none;none;none;");
-  EXPECT_EQ(loosely, "24P (;Film ;PAL (;NTSC/;Video;HD (5;HD (5;HD (6;none;none;24P (;NTSC/;"
-                     "NTSC/;none;");
+  EXPECT_EQ(loosely, "24P (24fps);Film (24fps);PAL (25fps);NTSC/HD (29.97fps);Video/HD (30fps);"
+                     "HD (50fps);HD (59.94fps);HD (60fps);none;none;24P (24fps);NTSC/HD (29.97fps);"
+                     "NTSC/HD (29.97fps);none;");
   EXPECT_EQ(default_sequence_rate({}).type, "NTSC/HD (29.97fps)");
   EXPECT_EQ(default_sequence_rate({"HD (50fps)", "PAL (25fps)"}).type, "HD (50fps)");
 }
