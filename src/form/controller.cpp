@@ -45,6 +45,7 @@ TitleSettings Controller::title_settings(const Form& form) const {
   settings.timecode_reader = form.tcrCheckbox == kCheckboxOn;
   settings.tolerant = form.tolerantCheckbox == kCheckboxOn;
   settings.import_safe = form.importSafeCheckbox == kCheckboxOn;
+  settings.source_digest = source_.digest;
   return settings;
 }
 

@@ -205,6 +205,23 @@ bool remove_duplicates(std::vector<std::string>& names) {
   return removed;
 }
 
+bool inside_a_sequence(const xmlNode* node) {
+  for (const xmlNode* up = node->parent; up != nullptr && up->type == XML_ELEMENT_NODE; up = up->parent) {
+    if (xmlStrEqual(up->name, BAD_CAST "sequence")) return true;
+  }
+  return false;
+}
+
+std::vector<std::string> top_level_sequence_names(xmlDoc* doc) {
+  std::vector<std::string> names;
+  for (const xmlNode* sequence : xml::all_descendants(xml::as_node(doc), "sequence")) {
+    if (!inside_a_sequence(sequence)) {
+      names.push_back(xml::text_content(xml::first_child_element(sequence, "name")));
+    }
+  }
+  return names;
+}
+
 void read_clips(const xml::SharedDocument& doc, bool tolerant, OpenedSource& opened,
                 LineSink& out) {
   ClipReader reader(doc, tolerant, opened, out);
@@ -249,6 +266,8 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
   out.line("...done!");
   opened.status = OpenStatus::Broken;
   opened.templates = {built_in};
+  opened.digest = std::move(loaded.digest);
+  opened.sequences = top_level_sequence_names(loaded.document.get());
   const auto* url = loaded.document->URL;
   const std::string path = url != nullptr ? reinterpret_cast<const char*>(url) : "the source";
   try {

@@ -33,6 +33,9 @@ struct OpenedSource {
   // Each rate name once, in order of first appearance (a Broken open leaves repeats in).
   std::vector<std::string> frame_rates;
   bool rates_repeated = false;  // some rate was met by more than one clip
+  std::string digest;  // of the source's bytes
+  // The names of the sequences the document holds outside any clip, in document order.
+  std::vector<std::string> sequences;
 };
 
 // Loads the document at `path` and reads it, writing the progress lines to `out`. `built_in`

@@ -19,6 +19,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "source/content_digest.h"
 #include "source/line_repair.h"
 #include "xml/failure.h"
 #include "xml/read_xml.h"
@@ -90,7 +91,7 @@ void refuse_too_large(unsigned long long size, const std::string& path) {
 
 // Opens the source for reading; throws with the system's reason, naming the path. A folder
 // opens, but cannot be read as a file.
-Descriptor open_source(const std::string& path) {
+Descriptor open_source(const std::string& path, bool& regular) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) throw std::system_error(errno, std::generic_category(), "quillory: cannot open " + path);
   Descriptor source(fd);
@@ -98,8 +99,22 @@ Descriptor open_source(const std::string& path) {
   if (::fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
     throw std::system_error(EISDIR, std::generic_category(), "quillory: cannot read " + path);
   }
-  if (S_ISREG(status.st_mode)) refuse_too_large(static_cast<unsigned long long>(status.st_size), path);
+  regular = S_ISREG(status.st_mode);
+  if (regular) refuse_too_large(static_cast<unsigned long long>(status.st_size), path);
   return source;
+}
+
+// All that `fd` reads, for a source that cannot be read twice.
+std::string read_all(int fd, const std::string& path) {
+  std::string bytes;
+  char buffer[1 << 16];
+  for (;;) {
+    const ssize_t count = ::read(fd, buffer, sizeof buffer);
+    if (count == 0) return bytes;
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw std::system_error(errno, std::generic_category(), "quillory: cannot read " + path);
+    bytes.append(buffer, static_cast<std::size_t>(count));
+  }
 }
 
 // Nesting past libxml2's depth limit, or a text past its size limit, stops the parser, and no
@@ -154,7 +169,7 @@ namespace {
 
 LoadedDocument loaded(xml::Document document) {
   std::string root = root_name_of(document.get());
-  return {std::move(document), std::move(root)};
+  return {std::move(document), std::move(root), {}};
 }
 
 // The text, `first` having found fault with it: the lines it names lose their invalid UTF-8,
@@ -203,15 +218,26 @@ LoadedDocument checked(xml::ParsedXml& first, const std::string& name, LineSink&
 }  // namespace
 
 LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
+  bool regular = false;
+  const Descriptor source = open_source(path, regular);
+  if (!regular) return parse_xml_bytes(read_all(source.get(), path), path, out);
   // A well-formed file, the usual case, is parsed as it is read; only a file to repair is
   // read whole.
-  xml::ParsedXml first = xml::read_xml_fd(open_source(path).get(), path, kFirstParseOptions);
-  return checked(first, path, out, [&] { return read_file_bytes(path); });
+  ContentDigest digest;
+  xml::ParsedXml first = xml::read_xml_fd(source.get(), path, kFirstParseOptions,
+                                          [&](std::string_view bytes) { digest.add(bytes); });
+  LoadedDocument document = checked(first, path, out, [&] { return read_file_bytes(path); });
+  document.digest = digest.text();
+  return document;
 }
 
 LoadedDocument parse_xml_bytes(const std::string& bytes, const std::string& name, LineSink& out) {
   xml::ParsedXml first = xml::read_xml(bytes, name, kFirstParseOptions);
-  return checked(first, name, out, [&]() -> const std::string& { return bytes; });
+  LoadedDocument document = checked(first, name, out, [&]() -> const std::string& { return bytes; });
+  ContentDigest digest;
+  digest.add(bytes);
+  document.digest = digest.text();
+  return document;
 }
 
 }  // namespace quillory

@@ -14,12 +14,15 @@ struct LoadedDocument {
   // declaration, "comment" for a leading comment, the root element's tag otherwise; empty
   // when the document has no top-level node.
   std::string root_name;
+  // Of the bytes read (see ContentDigest).
+  std::string digest;
 };
 
 // Reads the whole file. Throws with the operating system's reason, naming the path.
 std::string read_file_bytes(const std::string& path);
 
-// Parses the file at `path`; when the parser reports anything, removes invalid UTF-8 from the
+// Parses the file at `path` (a regular file as it is read; anything else, a pipe say, is read
+// once into memory); when the parser reports anything, removes invalid UTF-8 from the
 // lines it names (and, if that is not enough, from every line) and parses the repaired text.
 // Writes its progress lines to `out`. The file itself is never changed.
 LoadedDocument parse_xml_file(const std::string& path, LineSink& out);

@@ -44,20 +44,6 @@ const TitleTemplate& choose_template(const std::vector<TitleTemplate>& templates
   return templates.front();
 }
 
-// The path of the source document the clips (else the document's own templates) come from.
-std::string source_path(const std::vector<TitleTemplate>& templates,
-                        const std::vector<ClipRecord>& clips) {
-  std::vector<const xmlDoc*> documents;
-  for (const auto& clip : clips) documents.push_back(clip.document.get());
-  for (std::size_t i = 1; i < templates.size(); ++i) documents.push_back(templates[i].document.get());
-  for (const xmlDoc* document : documents) {
-    if (document != nullptr && document->URL != nullptr) {
-      return reinterpret_cast<const char*>(document->URL);
-    }
-  }
-  return "";
-}
-
 long long add_frames(long long position, long long length, const std::string& clip) {
   long long end = 0;
   if (__builtin_add_overflow(position, length, &end)) {
@@ -291,7 +277,7 @@ AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
 
   std::optional<ImportSafeOutput> import_safe;
   if (settings.import_safe) {
-    import_safe.emplace(clips, ImportSafeRun{source_path(templates, clips), settings.sequence_name,
+    import_safe.emplace(clips, ImportSafeRun{settings.source_digest, settings.sequence_name,
                                              planner.duration()});
     import_safe->prepare_sequence(outline.sequence, xmlDocGetRootElement(outline.document.get()));
   }

@@ -2,7 +2,6 @@
 
 #include <uuid/uuid.h>
 
-#include <filesystem>
 #include <new>
 
 #include "xml/xml_nodes.h"
@@ -22,11 +21,11 @@ std::string name_uuid(const std::string& name) {
   return text;
 }
 
-// The name a UUID of the run derives from: the source's file name (not its folder, so that a
-// copy of the project elsewhere writes the same file), the sequence name and what it is for.
+// The name a UUID of the run derives from: the digest of the source's bytes (not its path, so
+// that a copy of the export elsewhere writes the same file, and two exports of the same name
+// differ), the sequence name and what it is for.
 std::string uuid_name(const ImportSafeRun& run, const std::string& what) {
-  return "quillory:" + std::filesystem::path(run.source).filename().string() + "\n" +
-         run.sequence_name + "\n" + what;
+  return "quillory:" + run.source_digest + "\n" + run.sequence_name + "\n" + what;
 }
 
 std::string describe(const xmlNode* element) {

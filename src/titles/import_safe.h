@@ -16,7 +16,7 @@
 namespace quillory {
 
 struct ImportSafeRun {
-  std::string source;         // the source document's path, whose file name the UUIDs derive from
+  std::string source_digest;  // of the source document's bytes, which the UUIDs derive from
   std::string sequence_name;  // likewise
   long long duration = 0;     // the end of the last clip
 };

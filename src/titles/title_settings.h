@@ -24,6 +24,8 @@ struct TitleSettings {
   // Write what importers that resolve ids read as written: titles with ids, rate and UUIDs of
   // their own, each media file defined where it is first used.
   bool import_safe = false;
+  // The digest of the source document's bytes, from which import-safe UUIDs derive.
+  std::string source_digest;
 
   bool operator==(const TitleSettings&) const = default;
 
