@@ -4,6 +4,7 @@
 
 #include "startup/frame_rates.h"
 #include "titles/create_fcp_xml.h"
+#include "titles/replace_file.h"
 #include "titles/sequence_templates.h"
 #include "xml/failure.h"
 
@@ -24,15 +25,30 @@ OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form&
   return outcome;
 }
 
-AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out,
-                                            const std::optional<std::string>& output_path) const {
+void Controller::require_creatable() const {
   if (!can_create()) {
     fail(display_.xmlIconHidden
              ? "no document is open"
              : display_.xmlIconToolTip + " was not read whole; open it again once mended");
   }
+}
+
+AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out, int descriptor) const {
+  require_creatable();
   return quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form),
-                                  output_path ? output_path : paths_.TEMP_XML_FILE, out);
+                                  descriptor, out);
+}
+
+AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out,
+                                            const std::optional<std::string>& output_path) const {
+  require_creatable();
+  const auto& path = output_path ? output_path : paths_.TEMP_XML_FILE;
+  // Replacing the export with its titles would lose the user's only copy of it.
+  if (path && same_file(*path, display_.xmlIconToolTip)) {
+    fail("the output " + *path + " is the source " + display_.xmlIconToolTip +
+         " itself; nothing was written: choose another output");
+  }
+  return quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), path, out);
 }
 
 TitleSettings Controller::title_settings(const Form& form) const {

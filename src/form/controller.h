@@ -43,6 +43,8 @@ class Controller {
   // create_fcp_xml throws; the previous output file then stays as it was.
   AssumptionReport create_fcp_xml(const Form& form, LineSink& out,
                                   const std::optional<std::string>& output_path = {}) const;
+  // The same, written to the open `descriptor` (standard output) as it is made.
+  AssumptionReport create_fcp_xml(const Form& form, LineSink& out, int descriptor) const;
 
   // What a run with `form` asks of the core, each choice resolved: the template the form
   // names, else the first; the rate it names, else the document's first.
@@ -66,6 +68,7 @@ class Controller {
   const OutputPaths& paths() const { return paths_; }
 
  private:
+  void require_creatable() const;
   // The name of the template a run with `selected` uses.
   std::optional<std::string> template_used(const std::optional<std::string>& selected) const;
 

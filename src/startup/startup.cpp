@@ -25,7 +25,8 @@ OutputPaths start_up(const std::vector<std::string>& folders) {
   const std::string folder = expand_tilde(folders.front()) + "/Ferncroft";
   if (!is_directory(folder) && ::mkdir(folder.c_str(), 0777) != 0) {
     throw std::system_error(errno, std::generic_category(),
-                            "quillory: cannot create the folder " + folder);
+                            "quillory: cannot create the folder " + folder +
+                                " (set XDG_DATA_HOME to a folder you can write)");
   }
   paths.APP_SUPPORT_SUBFOLDER = folder;
   paths.TEMP_XML_FILE = folder + "/Quillory.xml";

@@ -1,6 +1,9 @@
 #include "titles/create_fcp_xml.h"
 
+#include <cerrno>
+#include <functional>
 #include <stdexcept>
+#include <system_error>
 #include <vector>
 
 #include "titles/compose_title_text.h"
@@ -261,14 +264,14 @@ class ItemWriter {
 
 }  // namespace
 
-AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
-                                const std::vector<ClipRecord>& clips,
-                                const TitleSettings& settings,
-                                const std::optional<std::string>& output_path, LineSink& out) {
-  if (!output_path) {
-    fail("no output folder is known: set HOME (or XDG_DATA_HOME to an absolute path) so that "
-         "titles can be written to its Ferncroft folder");
-  }
+namespace {
+
+// Hands the function that writes the document to where it goes.
+using Delivery = std::function<void(const std::function<bool(int fd)>& write)>;
+
+AssumptionReport create(const std::vector<TitleTemplate>& templates,
+                        const std::vector<ClipRecord>& clips, const TitleSettings& settings,
+                        const Delivery& deliver, LineSink& out) {
   const TitleTemplate& chosen = choose_template(templates, settings.template_name);
   Outline outline(settings);
   const TitlePrototype title(chosen, outline.document.get(), settings.tolerant);
@@ -285,7 +288,7 @@ AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
   std::vector<xmlNode*> tracks = outline.video_tracks;
   tracks.resize(2);
   tracks.insert(tracks.end(), outline.audio_tracks.begin(), outline.audio_tracks.end());
-  replace_file(*output_path, [&](int fd) {
+  deliver([&](int fd) {
     StreamWriter writer(fd);
     writer.write(outline.document.get(), tracks,
                  [&](std::size_t track) { items.fill(writer, track); });
@@ -298,6 +301,32 @@ AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
                            import_safe->warnings().end());
   }
   return report;
+}
+
+}  // namespace
+
+AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
+                                const std::vector<ClipRecord>& clips,
+                                const TitleSettings& settings,
+                                const std::optional<std::string>& output_path, LineSink& out) {
+  if (!output_path) {
+    fail("no output folder is known: set HOME (or XDG_DATA_HOME to an absolute path) so that "
+         "titles can be written to its Ferncroft folder");
+  }
+  return create(templates, clips, settings,
+                [&](const auto& write) { replace_file(*output_path, write); }, out);
+}
+
+AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
+                                const std::vector<ClipRecord>& clips,
+                                const TitleSettings& settings, int descriptor, LineSink& out) {
+  return create(templates, clips, settings, [&](const auto& write) {
+    errno = 0;
+    if (!write(descriptor)) {
+      throw std::system_error(errno != 0 ? errno : EIO, std::generic_category(),
+                              "quillory: cannot write the titles to standard output");
+    }
+  }, out);
 }
 
 }  // namespace quillory

@@ -26,4 +26,10 @@ AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
                                 const TitleSettings& settings,
                                 const std::optional<std::string>& output_path, LineSink& out);
 
+// The same, written to the open `descriptor` (standard output, say) as it is made; nothing is
+// replaced, and a failed run may leave part of a document there.
+AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
+                                const std::vector<ClipRecord>& clips,
+                                const TitleSettings& settings, int descriptor, LineSink& out);
+
 }  // namespace quillory

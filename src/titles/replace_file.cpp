@@ -52,12 +52,19 @@ class TemporaryFile {
     if (!write(fd_)) fail("write", path_, errno != 0 ? errno : EIO);
   }
 
-  // mkstemp creates the file readable by its owner only; an output file is an ordinary
-  // document, so give it the permissions a plain new file would get.
-  void set_default_permissions() {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    if (::fchmod(fd_, 0666 & ~mask) != 0) fail("set the permissions of", path_, errno);
+  // mkstemp creates the file readable by its owner only: a file that is replaced keeps its
+  // permissions, a new one gets those of a plain new file.
+  void set_permissions_of(const std::string& target) {
+    struct stat info {};
+    mode_t mode = 0;
+    if (::stat(target.c_str(), &info) == 0 && S_ISREG(info.st_mode)) {
+      mode = info.st_mode & 07777;
+    } else {
+      const mode_t mask = ::umask(0);
+      ::umask(mask);
+      mode = 0666 & ~mask;
+    }
+    if (::fchmod(fd_, mode) != 0) fail("set the permissions of", path_, errno);
   }
 
   void commit(const std::string& target) {
@@ -76,17 +83,44 @@ class TemporaryFile {
   bool renamed_ = false;
 };
 
+// What a write to `path` replaces: the file itself, or the file its symbolic links lead to, so
+// that the links stay and the temporary file sits beside what the rename replaces.
+std::string link_target(const std::string& path) {
+  std::string target = path;
+  for (int hops = 0; hops < 40; ++hops) {
+    struct stat info {};
+    if (::lstat(target.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return target;
+    std::vector<char> text(static_cast<std::size_t>(info.st_size) + 2);
+    const ssize_t length = ::readlink(target.c_str(), text.data(), text.size());
+    if (length < 0) fail("read the link", target, errno);
+    std::string next(text.data(), static_cast<std::size_t>(length));
+    const auto slash = target.rfind('/');
+    if (next.empty()) fail("read the link", target, EINVAL);
+    if (next.front() != '/' && slash != std::string::npos) next = target.substr(0, slash + 1) + next;
+    target = next;
+  }
+  fail("replace", path, ELOOP);
+}
+
 }  // namespace
+
+bool same_file(const std::string& first, const std::string& second) {
+  struct stat a {};
+  struct stat b {};
+  return ::stat(first.c_str(), &a) == 0 && ::stat(second.c_str(), &b) == 0 && a.st_dev == b.st_dev &&
+         a.st_ino == b.st_ino;
+}
 
 void remove_unfinished_replacement() noexcept {
   if (unfinished != 0) ::unlink(unfinished_path);
 }
 
 void replace_file(const std::string& path, const std::function<bool(int fd)>& write) {
-  TemporaryFile temporary(path);
-  temporary.set_default_permissions();
+  const std::string target = link_target(path);
+  TemporaryFile temporary(target);
+  temporary.set_permissions_of(target);
   temporary.write_with(write);
-  temporary.commit(path);
+  temporary.commit(target);
 }
 
 }  // namespace quillory

@@ -1,7 +1,8 @@
 #pragma once
 // Replaces a file whole: the new content goes to a temporary file in the same folder, which is
 // renamed over the target only once it is completely written. A crash or a full disk leaves
-// the previous file as it was, never a partial one.
+// the previous file as it was, never a partial one. A symbolic link is followed: its target is
+// replaced, and the link stays. A replaced file keeps its permissions.
 
 #include <functional>
 #include <string>
@@ -12,6 +13,9 @@ namespace quillory {
 // failed. Throws std::system_error naming the path when any step fails; the temporary file is
 // then removed and the previous file stays.
 void replace_file(const std::string& path, const std::function<bool(int fd)>& write);
+
+// Whether both paths name one file (the same device and inode, after following links).
+bool same_file(const std::string& first, const std::string& second);
 
 // Removes the temporary file of a replacement under way, if there is one. Safe to call from a
 // signal handler: a host stopped by a signal calls it so that no temporary file is left.

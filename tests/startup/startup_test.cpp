@@ -38,17 +38,32 @@ TEST(StartUp, CreatesFerncroftOnceOrStopsWithTheSystemsReason) {
   }
 }
 
-TEST(StartUp, FolderLookupPrefersAnAbsoluteXdgDataHomeAndExpandsTilde) {
+// A new account: the data folder's missing levels are made, for the owner alone.
+TEST(StartUp, FolderLookupPrefersAnAbsoluteXdgDataHomeMakesItAndExpandsTilde) {
   EXPECT_FALSE(start_up({}).TEMP_XML_FILE.has_value());
-  EnvGuard home("HOME", "/home/editor");
-  for (const auto& [xdg, folder] : {std::pair{"/data/share", "/data/share"},
-                                    std::pair{"relative/share", "/home/editor/.local/share"}}) {
-    EnvGuard data("XDG_DATA_HOME", xdg);
+  TempDir dir;
+  const std::string home = dir.file("editor");
+  EnvGuard home_variable("HOME", home.c_str());
+  for (const auto& [xdg, folder] : {std::pair{dir.file("data/share"), dir.file("data/share")},
+                                    std::pair{std::string("relative/share"), home + "/.local/share"}}) {
+    EnvGuard data("XDG_DATA_HOME", xdg.c_str());
     EXPECT_EQ(application_support_folders(), std::vector<std::string>{folder});
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all);
   }
+  EXPECT_EQ(start_up().TEMP_XML_FILE, home + "/.local/share/Ferncroft/Quillory.xml");
   EXPECT_EQ(expand_tilde("~/x") + " " + expand_tilde("~") + " " + expand_tilde("~other/x") + " " +
                 expand_tilde("/abs/~"),
-            "/home/editor/x /home/editor ~other/x /abs/~");
+            home + "/x " + home + " ~other/x /abs/~");
+  // A data folder that cannot be made names itself and where else to point.
+  test::write_file(dir.file("file"), "");
+  EnvGuard blocked("XDG_DATA_HOME", dir.file("file/share").c_str());
+  try {
+    application_support_folders();
+    ADD_FAILURE() << "expected an error";
+  } catch (const std::system_error& error) {
+    EXPECT_NE(std::string(error.what()).find(dir.file("file/share") + " (set XDG_DATA_HOME"),
+              std::string::npos) << error.what();
+  }
   EnvGuard no_home("HOME", nullptr);
   EnvGuard no_data("XDG_DATA_HOME", nullptr);
   EXPECT_TRUE(application_support_folders().empty());
