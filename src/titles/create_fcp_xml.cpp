@@ -76,6 +76,20 @@ struct PlacedClip {
   std::vector<xmlNode*> audio_items;
 };
 
+// Calls `visit` with every item the clip places, its number among them (0 the video clip item,
+// then the audio clip items from 1) and the words that name it in a message.
+template <typename Visit>
+void for_each_item(const PlacedClip& placed, Visit visit) {
+  if (placed.video_item != nullptr) {
+    const xmlNode* item = placed.video_item;
+    visit(item, 0, placed.label + ": its video clip item " + xml::where(item));
+  }
+  for (std::size_t k = 0; k < placed.audio_items.size(); ++k) {
+    const xmlNode* item = placed.audio_items[k];
+    visit(item, k + 1, placed.label + ": its audio clip item " + xml::where(item));
+  }
+}
+
 // The new sequence: the empty sequence with its name and rate set, and its tracks.
 struct Outline {
   xml::Document document;
@@ -142,57 +156,77 @@ class Planner {
   std::vector<std::vector<std::string>>& assumptions() { return assumptions_; }
 
  private:
+  // One clip: where it goes, and what had to be assumed or added to put it there.
   PlacedClip place(std::size_t index, const ClipRecord& clip) {
+    PlacedClip placed = find_items(index, clip);
+    std::vector<std::string>& made = assumptions_.emplace_back();
+    time_clip(index, clip, placed, made);
+    placed.title_text = compose_title_text(clip, settings_.lines);
+    fit_tracks(placed, made);
+    check_items(placed, made);
+    check_title(placed.label, made);
+    return placed;
+  }
+
+  // The items the clip puts on the sequence: its first video clip item and its audio clip items.
+  static PlacedClip find_items(std::size_t index, const ClipRecord& clip) {
     PlacedClip placed;
     placed.label = clip_label(index, clip);
-    const std::string& label = placed.label;
-    std::vector<std::string>& made = assumptions_.emplace_back();
-    const bool tolerant = settings_.tolerant;
-    out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position_));
     placed.video_item = xml::first_element_at(clip.xml, {"media", "video", "track", "clipitem"});
     placed.audio_items = xml::elements_at(clip.xml, {"media", "audio", "track", "clipitem"});
-    const auto& audio = placed.audio_items;
-    const long long length = clip_length(clip.xml, placed.video_item,
-                                         audio.empty() ? nullptr : audio.front(), label, tolerant,
-                                         made);
+    return placed;
+  }
+
+  // The clip's span on the sequence, from the running position on, with its progress lines.
+  void time_clip(std::size_t index, const ClipRecord& clip, PlacedClip& placed,
+                 std::vector<std::string>& made) {
+    out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position_));
+    const xmlNode* first_audio = placed.audio_items.empty() ? nullptr : placed.audio_items.front();
+    const long long length = clip_length(clip.xml, placed.video_item, first_audio, placed.label,
+                                         settings_.tolerant, made);
     out_.line("  " + clip.clip_name + ", " + clip.file_name + ", " + std::to_string(length));
     placed.start = std::to_string(position_);
-    position_ = add_frames(position_, length, label);
+    position_ = add_frames(position_, length, placed.label);
     placed.end = std::to_string(position_);
     placed.length = std::to_string(length);
-    placed.title_text = compose_title_text(clip, settings_.lines);
+  }
 
+  // A clip without video leaves video track 1 empty; one with more audio clip items than the
+  // sequence has audio tracks gets tracks added. Strict reading refuses both.
+  void fit_tracks(const PlacedClip& placed, std::vector<std::string>& made) {
+    const bool tolerant = settings_.tolerant;
+    const std::string& label = placed.label;
     if (placed.video_item == nullptr) {
       assume_or_fail(tolerant, made, label + " has no video clip item (media/video/track/clipitem)",
                      "no video clip item, video track 1 left empty over its span");
     }
-    auto& tracks = outline_.audio_tracks;
-    if (audio.size() > tracks.size()) {
-      assume_or_fail(tolerant, made,
-                     label + " has " + std::to_string(audio.size()) +
-                         " audio clip items; the sequence has 4 audio tracks, so the audio clip "
-                         "item " + xml::where(audio[kAudioTracks]) + " has no track to go to",
-                     std::to_string(audio.size()) + " audio clip items, audio tracks " +
-                         std::to_string(tracks.size() + 1) + " to " +
-                         std::to_string(audio.size()) + " added");
-      outline_.add_audio_tracks(audio.size());
-    }
+    const auto& audio = placed.audio_items;
+    const auto& tracks = outline_.audio_tracks;
+    if (audio.size() <= tracks.size()) return;
+    assume_or_fail(tolerant, made,
+                   label + " has " + std::to_string(audio.size()) +
+                       " audio clip items; the sequence has 4 audio tracks, so the audio clip "
+                       "item " + xml::where(audio[kAudioTracks]) + " has no track to go to",
+                   std::to_string(audio.size()) + " audio clip items, audio tracks " +
+                       std::to_string(tracks.size() + 1) + " to " + std::to_string(audio.size()) +
+                       " added");
+    outline_.add_audio_tracks(audio.size());
+  }
+
+  // What the placed items lack: every one needs <start> and <end>, which strict reading refuses
+  // to do without.
+  void check_items(const PlacedClip& placed, std::vector<std::string>& made) const {
     UntimedItems untimed;
-    if (placed.video_item != nullptr) {
-      untimed.add(check_item_timing(placed.video_item,
-                                    label + ": its video clip item " + xml::where(placed.video_item),
-                                    tolerant),
-                  0);
-    }
-    for (std::size_t k = 0; k < audio.size(); ++k) {
-      untimed.add(check_item_timing(audio[k], label + ": its audio clip item " + xml::where(audio[k]),
-                                    tolerant),
-                  k + 1);
-    }
+    for_each_item(placed, [&](const xmlNode* item, std::size_t number, const std::string& owner) {
+      untimed.add(check_item_timing(item, owner, settings_.tolerant), number);
+    });
     untimed.describe(made);
+  }
+
+  // The title copied for the clip: what tolerant reading completed in it, or the refusal.
+  void check_title(const std::string& label, std::vector<std::string>& made) const {
     if (!title_.completed().empty()) made.push_back(title_.completed());
     title_.check(label);
-    return placed;
   }
 
   const TitleSettings& settings_;
