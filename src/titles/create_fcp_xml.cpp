@@ -6,6 +6,7 @@
 #include "titles/compose_title_text.h"
 #include "titles/import_safe.h"
 #include "titles/item_timing.h"
+#include "titles/lacking_items.h"
 #include "titles/node_copies.h"
 #include "titles/replace_file.h"
 #include "titles/sequence_templates.h"
@@ -74,6 +75,8 @@ struct PlacedClip {
   std::string label;
   xmlNode* video_item = nullptr;  // the source's; none only in tolerant reading
   std::vector<xmlNode*> audio_items;
+  // Tolerant reading completes the placed copies: each gets the <in> and <out> it lacks.
+  bool complete_items = false;
 };
 
 // Calls `visit` with every item the clip places, its number among them (0 the video clip item,
@@ -213,14 +216,19 @@ class Planner {
     outline_.add_audio_tracks(audio.size());
   }
 
-  // What the placed items lack: every one needs <start> and <end>, which strict reading refuses
-  // to do without.
-  void check_items(const PlacedClip& placed, std::vector<std::string>& made) const {
-    UntimedItems untimed;
+  // What the placed items lack. Every one needs <start> and <end>, which strict reading refuses
+  // to do without. Importers also need an item's <in> and <out>: strict reading places an item
+  // without them as it is, tolerant reading gives the copy those it lacks.
+  void check_items(PlacedClip& placed, std::vector<std::string>& made) const {
+    const bool tolerant = settings_.tolerant;
+    placed.complete_items = tolerant;
+    LackingItems untimed, unranged;
     for_each_item(placed, [&](const xmlNode* item, std::size_t number, const std::string& owner) {
-      untimed.add(check_item_timing(item, owner, settings_.tolerant), number);
+      untimed.add(check_item_timing(item, owner, tolerant), number);
+      if (tolerant) unranged.add(missing_source_range(item), number);
     });
-    untimed.describe(made);
+    untimed.describe(made, "added");
+    unranged.describe(made, "added");
   }
 
   // The title copied for the clip: what tolerant reading completed in it, or the refusal.
@@ -270,6 +278,7 @@ class ItemWriter {
   void write_item(StreamWriter& out, const xmlNode* source, const PlacedClip& clip, bool video) {
     const xml::Node item = clean_copy(source, outline_.document.get());
     set_item_timing(item.get(), clip.start, clip.end);
+    if (clip.complete_items) add_source_range(item.get(), clip.length);
     remove_link_indexes(item.get());
     if (video && filter_) {
       for (const xmlNode* node = filter_->children; node != nullptr; node = node->next) {
