@@ -5,6 +5,7 @@
 
 #include "titles/compose_title_text.h"
 #include "titles/import_safe.h"
+#include "titles/item_media.h"
 #include "titles/item_timing.h"
 #include "titles/lacking_items.h"
 #include "titles/node_copies.h"
@@ -75,8 +76,10 @@ struct PlacedClip {
   std::string label;
   xmlNode* video_item = nullptr;  // the source's; none only in tolerant reading
   std::vector<xmlNode*> audio_items;
-  // Tolerant reading completes the placed copies: each gets the <in> and <out> it lacks.
+  // Tolerant reading completes the placed copies: each gets the <in> and <out> it lacks, and
+  // `own_file` (the clip's own <file>, when it has one) when it has no <file>.
   bool complete_items = false;
+  const xmlNode* own_file = nullptr;
 };
 
 // Calls `visit` with every item the clip places, its number among them (0 the video clip item,
@@ -166,7 +169,7 @@ class Planner {
     time_clip(index, clip, placed, made);
     placed.title_text = compose_title_text(clip, settings_.lines);
     fit_tracks(placed, made);
-    check_items(placed, made);
+    check_items(clip, placed, made);
     check_title(placed.label, made);
     return placed;
   }
@@ -217,18 +220,23 @@ class Planner {
   }
 
   // What the placed items lack. Every one needs <start> and <end>, which strict reading refuses
-  // to do without. Importers also need an item's <in> and <out>: strict reading places an item
-  // without them as it is, tolerant reading gives the copy those it lacks.
-  void check_items(PlacedClip& placed, std::vector<std::string>& made) const {
+  // to do without. Importers also need an item's <in>, <out> and <file>: strict reading places
+  // an item without them as it is, tolerant reading gives the copy those it lacks.
+  void check_items(const ClipRecord& clip, PlacedClip& placed,
+                   std::vector<std::string>& made) const {
     const bool tolerant = settings_.tolerant;
     placed.complete_items = tolerant;
-    LackingItems untimed, unranged;
+    placed.own_file = tolerant ? own_file(clip.xml) : nullptr;
+    LackingItems untimed, unranged, without_file;
     for_each_item(placed, [&](const xmlNode* item, std::size_t number, const std::string& owner) {
       untimed.add(check_item_timing(item, owner, tolerant), number);
-      if (tolerant) unranged.add(missing_source_range(item), number);
+      if (!tolerant) return;
+      unranged.add(missing_source_range(item), number);
+      if (placed.own_file != nullptr && !has_file(item)) without_file.add("<file>", number);
     });
     untimed.describe(made, "added");
     unranged.describe(made, "added");
+    without_file.describe(made, "a copy of the clip's <file> added");
   }
 
   // The title copied for the clip: what tolerant reading completed in it, or the refusal.
@@ -278,7 +286,7 @@ class ItemWriter {
   void write_item(StreamWriter& out, const xmlNode* source, const PlacedClip& clip, bool video) {
     const xml::Node item = clean_copy(source, outline_.document.get());
     set_item_timing(item.get(), clip.start, clip.end);
-    if (clip.complete_items) add_source_range(item.get(), clip.length);
+    if (clip.complete_items) complete(item.get(), clip);
     remove_link_indexes(item.get());
     if (video && filter_) {
       for (const xmlNode* node = filter_->children; node != nullptr; node = node->next) {
@@ -287,6 +295,12 @@ class ItemWriter {
     }
     if (import_safe_ != nullptr) import_safe_->prepare_item(item.get());
     out.child(item.get());
+  }
+
+  // The <in>, <out> and <file> that the placed copy lacks.
+  static void complete(xmlNode* item, const PlacedClip& clip) {
+    add_source_range(item, clip.length);
+    if (clip.own_file != nullptr && !has_file(item)) add_file(item, clip.own_file);
   }
 
   // Titles differ only in a few fields, so libxml2 writes the first one and every title is
