@@ -23,6 +23,20 @@ std::string describe(const std::string& track, xmlNode* item, xmlNode* file) {
          text_at(file, "name") + " text " + text_at(item, "effect/parameter/value");
 }
 
+// What keeps an importer from reading the item, or "": OpenTimelineIO's stops at an item
+// without <in> or <out>, and at a clip item without a <file>; one whose file gives no
+// <pathurl> has no media to link.
+std::string unreadable(xmlNode* item, xmlNode* file) {
+  std::string missing;
+  for (const char* name : {"in", "out"}) {
+    if (xml::first_child_element(item, name) == nullptr) missing += std::string(" <") + name + ">";
+  }
+  if (xmlStrEqual(item->name, BAD_CAST "clipitem") && text_at(file, "pathurl").empty()) {
+    missing += " media file with a <pathurl>";
+  }
+  return missing.empty() ? "" : " unreadable, no" + missing;
+}
+
 xmlNode* first_of(const Index& index, xmlNode* element) {
   const auto id = element ? xml::attribute(element, "id") : std::nullopt;
   return id ? index.at(*id) : element;
@@ -52,8 +66,9 @@ ImportView read_as_importers_do(const std::string& xml_text) {
         xmlNode* definition = file_id && defined.count(*file_id) ? defined.at(*file_id) : file;
         view.as_written.push_back(describe(track, item, definition));
         xmlNode* resolved = first_of(first, item);
-        view.as_resolved.push_back(
-            describe(track, resolved, first_of(first, xml::first_child_element(resolved, "file"))));
+        xmlNode* resolved_file = first_of(first, xml::first_child_element(resolved, "file"));
+        view.as_resolved.push_back(describe(track, resolved, resolved_file) +
+                                   unreadable(resolved, resolved_file));
       }
     }
   }

@@ -8,7 +8,9 @@
 
 #include "titles/compose_title_text.h"
 #include "titles/import_safe.h"
+#include "titles/item_media.h"
 #include "titles/item_timing.h"
+#include "titles/lacking_items.h"
 #include "titles/node_copies.h"
 #include "titles/replace_file.h"
 #include "titles/sequence_templates.h"
@@ -63,7 +65,25 @@ struct PlacedClip {
   std::string label;
   xmlNode* video_item = nullptr;  // the source's; none only in tolerant reading
   std::vector<xmlNode*> audio_items;
+  // Tolerant reading completes the placed copies: each gets the <in> and <out> it lacks, and
+  // `own_file` (the clip's own <file>, when it has one) when it has no <file>.
+  bool complete_items = false;
+  const xmlNode* own_file = nullptr;
 };
+
+// Calls `visit` with every item the clip places, its number among them (0 the video clip item,
+// then the audio clip items from 1) and the words that name it in a message.
+template <typename Visit>
+void for_each_item(const PlacedClip& placed, Visit visit) {
+  if (placed.video_item != nullptr) {
+    const xmlNode* item = placed.video_item;
+    visit(item, 0, placed.label + ": its video clip item " + xml::where(item));
+  }
+  for (std::size_t k = 0; k < placed.audio_items.size(); ++k) {
+    const xmlNode* item = placed.audio_items[k];
+    visit(item, k + 1, placed.label + ": its audio clip item " + xml::where(item));
+  }
+}
 
 // The new sequence: the empty sequence with its name and rate set, and its tracks.
 struct Outline {
@@ -131,57 +151,87 @@ class Planner {
   std::vector<std::vector<std::string>>& assumptions() { return assumptions_; }
 
  private:
+  // One clip: where it goes, and what had to be assumed or added to put it there.
   PlacedClip place(std::size_t index, const ClipRecord& clip) {
+    PlacedClip placed = find_items(index, clip);
+    std::vector<std::string>& made = assumptions_.emplace_back();
+    time_clip(index, clip, placed, made);
+    placed.title_text = compose_title_text(clip, settings_.lines);
+    fit_tracks(placed, made);
+    check_items(clip, placed, made);
+    check_title(placed.label, made);
+    return placed;
+  }
+
+  // The items the clip puts on the sequence: its first video clip item and its audio clip items.
+  static PlacedClip find_items(std::size_t index, const ClipRecord& clip) {
     PlacedClip placed;
     placed.label = clip_label(index, clip);
-    const std::string& label = placed.label;
-    std::vector<std::string>& made = assumptions_.emplace_back();
-    const bool tolerant = settings_.tolerant;
-    out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position_));
     placed.video_item = xml::first_element_at(clip.xml, {"media", "video", "track", "clipitem"});
     placed.audio_items = xml::elements_at(clip.xml, {"media", "audio", "track", "clipitem"});
-    const auto& audio = placed.audio_items;
-    const long long length = clip_length(clip.xml, placed.video_item,
-                                         audio.empty() ? nullptr : audio.front(), label, tolerant,
-                                         made);
+    return placed;
+  }
+
+  // The clip's span on the sequence, from the running position on, with its progress lines.
+  void time_clip(std::size_t index, const ClipRecord& clip, PlacedClip& placed,
+                 std::vector<std::string>& made) {
+    out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position_));
+    const xmlNode* first_audio = placed.audio_items.empty() ? nullptr : placed.audio_items.front();
+    const long long length = clip_length(clip.xml, placed.video_item, first_audio, placed.label,
+                                         settings_.tolerant, made);
     out_.line("  " + clip.clip_name + ", " + clip.file_name + ", " + std::to_string(length));
     placed.start = std::to_string(position_);
-    position_ = add_frames(position_, length, label);
+    position_ = add_frames(position_, length, placed.label);
     placed.end = std::to_string(position_);
     placed.length = std::to_string(length);
-    placed.title_text = compose_title_text(clip, settings_.lines);
+  }
 
+  // A clip without video leaves video track 1 empty; one with more audio clip items than the
+  // sequence has audio tracks gets tracks added. Strict reading refuses both.
+  void fit_tracks(const PlacedClip& placed, std::vector<std::string>& made) {
+    const bool tolerant = settings_.tolerant;
+    const std::string& label = placed.label;
     if (placed.video_item == nullptr) {
       assume_or_fail(tolerant, made, label + " has no video clip item (media/video/track/clipitem)",
                      "no video clip item, video track 1 left empty over its span");
     }
-    auto& tracks = outline_.audio_tracks;
-    if (audio.size() > tracks.size()) {
-      assume_or_fail(tolerant, made,
-                     label + " has " + std::to_string(audio.size()) +
-                         " audio clip items; the sequence has 4 audio tracks, so the audio clip "
-                         "item " + xml::where(audio[kAudioTracks]) + " has no track to go to",
-                     std::to_string(audio.size()) + " audio clip items, audio tracks " +
-                         std::to_string(tracks.size() + 1) + " to " +
-                         std::to_string(audio.size()) + " added");
-      outline_.add_audio_tracks(audio.size());
-    }
-    UntimedItems untimed;
-    if (placed.video_item != nullptr) {
-      untimed.add(check_item_timing(placed.video_item,
-                                    label + ": its video clip item " + xml::where(placed.video_item),
-                                    tolerant),
-                  0);
-    }
-    for (std::size_t k = 0; k < audio.size(); ++k) {
-      untimed.add(check_item_timing(audio[k], label + ": its audio clip item " + xml::where(audio[k]),
-                                    tolerant),
-                  k + 1);
-    }
-    untimed.describe(made);
+    const auto& audio = placed.audio_items;
+    const auto& tracks = outline_.audio_tracks;
+    if (audio.size() <= tracks.size()) return;
+    assume_or_fail(tolerant, made,
+                   label + " has " + std::to_string(audio.size()) +
+                       " audio clip items; the sequence has 4 audio tracks, so the audio clip "
+                       "item " + xml::where(audio[kAudioTracks]) + " has no track to go to",
+                   std::to_string(audio.size()) + " audio clip items, audio tracks " +
+                       std::to_string(tracks.size() + 1) + " to " + std::to_string(audio.size()) +
+                       " added");
+    outline_.add_audio_tracks(audio.size());
+  }
+
+  // What the placed items lack. Every one needs <start> and <end>, which strict reading refuses
+  // to do without. Importers also need an item's <in>, <out> and <file>: strict reading places
+  // an item without them as it is, tolerant reading gives the copy those it lacks.
+  void check_items(const ClipRecord& clip, PlacedClip& placed,
+                   std::vector<std::string>& made) const {
+    const bool tolerant = settings_.tolerant;
+    placed.complete_items = tolerant;
+    placed.own_file = tolerant ? own_file(clip.xml) : nullptr;
+    LackingItems untimed, unranged, without_file;
+    for_each_item(placed, [&](const xmlNode* item, std::size_t number, const std::string& owner) {
+      untimed.add(check_item_timing(item, owner, tolerant), number);
+      if (!tolerant) return;
+      unranged.add(missing_source_range(item), number);
+      if (placed.own_file != nullptr && !has_file(item)) without_file.add("<file>", number);
+    });
+    untimed.describe(made, "added");
+    unranged.describe(made, "added");
+    without_file.describe(made, "a copy of the clip's <file> added");
+  }
+
+  // The title copied for the clip: what tolerant reading completed in it, or the refusal.
+  void check_title(const std::string& label, std::vector<std::string>& made) const {
     if (!title_.completed().empty()) made.push_back(title_.completed());
     title_.check(label);
-    return placed;
   }
 
   const TitleSettings& settings_;
@@ -225,6 +275,7 @@ class ItemWriter {
   void write_item(StreamWriter& out, const xmlNode* source, const PlacedClip& clip, bool video) {
     const xml::Node item = clean_copy(source, outline_.document.get());
     set_item_timing(item.get(), clip.start, clip.end);
+    if (clip.complete_items) complete(item.get(), clip);
     remove_link_indexes(item.get());
     if (video && filter_) {
       for (const xmlNode* node = filter_->children; node != nullptr; node = node->next) {
@@ -233,6 +284,12 @@ class ItemWriter {
     }
     if (import_safe_ != nullptr) import_safe_->prepare_item(item.get());
     out.child(item.get());
+  }
+
+  // The <in>, <out> and <file> that the placed copy lacks.
+  static void complete(xmlNode* item, const PlacedClip& clip) {
+    add_source_range(item, clip.length);
+    if (clip.own_file != nullptr && !has_file(item)) add_file(item, clip.own_file);
   }
 
   // Titles differ only in a few fields, so libxml2 writes the first one and every title is

@@ -1,6 +1,5 @@
 #include "titles/item_timing.h"
 
-#include <algorithm>
 #include <new>
 
 #include "xml/failure.h"
@@ -33,6 +32,17 @@ bool has(const xmlNode* item, const char* name) {
   return xml::first_child_element(item, name) != nullptr;
 }
 
+// Which of the elements `first` and `second` the item lacks: "<first>", "<second>",
+// "<first>/<second>", or "" when it has both.
+std::string missing_of(const xmlNode* item, const char* first, const char* second) {
+  const bool has_first = has(item, first);
+  const bool has_second = has(item, second);
+  if (has_first && has_second) return "";
+  if (has_first) return std::string("<") + second + ">";
+  if (has_second) return std::string("<") + first + ">";
+  return std::string("<") + first + ">/<" + second + ">";
+}
+
 }  // namespace
 
 long long clip_length(const xmlNode* clip, const xmlNode* video_item, const xmlNode* audio_item,
@@ -57,15 +67,12 @@ long long clip_length(const xmlNode* clip, const xmlNode* video_item, const xmlN
 }
 
 std::string check_item_timing(const xmlNode* item, const std::string& owner, bool tolerant) {
-  const bool has_start = has(item, "start");
-  const bool has_end = has(item, "end");
-  if (has_start && has_end) return "";
-  if (!tolerant) {
-    throw IncompleteInput("quillory: " + owner + " has no " + (has_start ? "<end>" : "<start>") +
-                          "; a placed clip item needs <start> and <end> (any value will do, as "
-                          "both are rewritten)");
-  }
-  return has_start ? "<end>" : has_end ? "<start>" : "<start>/<end>";
+  const std::string missing = missing_of(item, "start", "end");
+  if (missing.empty() || tolerant) return missing;
+  const char* first_missing = has(item, "start") ? "<end>" : "<start>";
+  throw IncompleteInput("quillory: " + owner + " has no " + first_missing +
+                        "; a placed clip item needs <start> and <end> (any value will do, as "
+                        "both are rewritten)");
 }
 
 void set_item_timing(xmlNode* item, const std::string& start, const std::string& end) {
@@ -77,31 +84,17 @@ void set_item_timing(xmlNode* item, const std::string& start, const std::string&
   xml::set_text(end_node, end);
 }
 
-void UntimedItems::add(const std::string& missing, std::size_t audio_number) {
-  if (missing.empty()) return;
-  auto group = std::find_if(groups_.begin(), groups_.end(),
-                            [&missing](const Group& g) { return g.missing == missing; });
-  if (group == groups_.end()) group = groups_.insert(groups_.end(), Group{missing, false, {}});
-  if (audio_number == 0) {
-    group->video = true;
-  } else {
-    group->audio.push_back(std::to_string(audio_number));
-  }
+std::string missing_source_range(const xmlNode* item) {
+  return missing_of(item, "in", "out");
 }
 
-void UntimedItems::describe(std::vector<std::string>& made) const {
-  for (const auto& group : groups_) {
-    std::string items = group.video ? "video clip item" : "";
-    if (!group.audio.empty()) {
-      items += std::string(items.empty() ? "" : " and ") + "audio clip item" +
-               (group.audio.size() == 1 ? " " : "s ");
-      for (std::size_t i = 0; i < group.audio.size(); ++i) {
-        items += (i == 0 ? "" : ", ") + group.audio[i];
-      }
-    }
-    const bool several = group.audio.size() + (group.video ? 1 : 0) > 1;
-    made.push_back(items + (several ? " have no " : " has no ") + group.missing + ", added");
+void add_source_range(xmlNode* item, const std::string& length) {
+  xmlNode* last = xml::first_child_element(item, "end");  // what an added element follows
+  if (!has(item, "in")) {
+    last = xmlAddNextSibling(last, new_element(item, "in"));
+    xml::set_text(last, "0");
   }
+  if (!has(item, "out")) xml::set_text(xmlAddNextSibling(last, new_element(item, "out")), length);
 }
 
 }  // namespace quillory

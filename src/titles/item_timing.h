@@ -1,7 +1,8 @@
 #pragma once
-// Timing a clip on the new sequence: how long it is, and the <start> and <end> that every
-// placed copy of its items gets. Where the source lacks what the timing needs, strict reading
-// throws IncompleteInput and tolerant reading makes up for it and says what it assumed.
+// Timing a clip on the new sequence: how long it is, the <start> and <end> that every placed
+// copy of its items gets, and the <in> and <out> that say which frames of its media it shows.
+// Where the source lacks what the timing needs, strict reading throws IncompleteInput and
+// tolerant reading makes up for it and says what it assumed.
 
 #include <string>
 #include <vector>
@@ -24,23 +25,14 @@ std::string check_item_timing(const xmlNode* item, const std::string& owner, boo
 // <start> after <rate>, else before <in>, else last; <end> after <start>.
 void set_item_timing(xmlNode* item, const std::string& start, const std::string& end);
 
-// The placed items of one clip that lacked <start> or <end>, grouped by what they lacked, so
-// that one phrase tells each group: "video clip item and audio clip items 1, 2 have no
-// <start>/<end>, added".
-class UntimedItems {
- public:
-  // `missing` as check_item_timing returns it; `audio_number` counts the clip's audio items
-  // from 1, and 0 is its video item.
-  void add(const std::string& missing, std::size_t audio_number);
-  void describe(std::vector<std::string>& made) const;
+// Which of <in> and <out> the item lacks: "<in>", "<out>", "<in>/<out>", or "" when none.
+// Strict reading places such an item as it is.
+std::string missing_source_range(const xmlNode* item);
 
- private:
-  struct Group {
-    std::string missing;
-    bool video = false;
-    std::vector<std::string> audio;
-  };
-  std::vector<Group> groups_;
-};
+// Adds the <in> and <out> that the placed copy lacks right after its <end>: <in> 0 and <out>
+// `length`, the clip's length, so that the item shows its media from the first frame on.
+// Importers read both to know which frames of the media the item shows, and cannot read an
+// item without them. The copy has its <end> already: set_item_timing gave it one.
+void add_source_range(xmlNode* item, const std::string& length);
 
 }  // namespace quillory

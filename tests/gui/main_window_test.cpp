@@ -207,7 +207,8 @@ class MainWindowTest : public QObject {
         "<clip id=\"c1\"><name>c1</name><duration>10</duration><rate><ntsc>FALSE</ntsc>"
         "<timebase>25</timebase></rate><logginginfo><scene>1</scene><shottake>2</shottake>"
         "<lognote/></logginginfo><media><video><track><clipitem id=\"c1-v\"><name>c1</name>"
-        "<file id=\"f1\"><name>c1.mov</name></file></clipitem></track></video></media></clip>";
+        "<in>0</in><out>10</out><file id=\"f1\"><name>c1.mov</name></file></clipitem></track>"
+        "</video></media></clip>";
     QVERIFY(window_->openDocument(document("unplaceable.xml", "<xmeml>" + clip + "</xmeml>")));
     QVERIFY(!window_->createTitles());
     QVERIFY(window_->findChild<QMessageBox*>()->informativeText().contains(
