@@ -2,6 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cctype>
+
 #include "startup/frame_rates.h"
 #include "source/get_info_from_clips.h"
 
@@ -14,24 +17,66 @@ std::string quoted_list(auto&& names) {
   return text;
 }
 
-std::string rate_names() {
-  std::string text;
-  for (const auto& rate : FRAME_RATES) text += "\n  \"" + std::string(rate.type) + "\"";
-  return text;
+std::vector<std::string> rate_names() {
+  std::vector<std::string> names;
+  for (const auto& rate : FRAME_RATES) names.emplace_back(rate.type);
+  return names;
 }
 
-// Accepts only the display name of a known frame rate.
-struct RateName : CLI::Validator {
-  RateName() {
-    name_ = "RATE";
-    func_ = [](const std::string& value) {
-      if (find_frame_rate_by_type(value)) return std::string();
-      return "unknown rate \"" + value + "\"; the rates are:" + rate_names();
+std::vector<std::string> line_choices() {
+  std::vector<std::string> choices(CHOICE_TITLES.begin(), CHOICE_TITLES.end());
+  choices.emplace_back();  // a line that shows nothing
+  return choices;
+}
+
+std::string lower(std::string_view text) {
+  std::string result(text);
+  for (char& c : result) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return result;
+}
+
+// How many single-byte edits turn one text into the other, letter case aside.
+std::size_t edit_distance(std::string_view a, std::string_view b) {
+  const std::string x = lower(a), y = lower(b);
+  std::vector<std::size_t> row(y.size() + 1);
+  for (std::size_t j = 0; j <= y.size(); ++j) row[j] = j;
+  for (std::size_t i = 1; i <= x.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i;
+    for (std::size_t j = 1; j <= y.size(); ++j) {
+      const std::size_t above = row[j];
+      row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (x[i - 1] == y[j - 1] ? 0 : 1)});
+      diagonal = above;
+    }
+  }
+  return row[y.size()];
+}
+
+// Accepts exactly one of `values`.
+struct OneOf : CLI::Validator {
+  OneOf(std::string kind, std::vector<std::string> values) {
+    name_ = kind;
+    func_ = [kind, values](const std::string& value) {
+      return std::find(values.begin(), values.end(), value) != values.end()
+                 ? std::string()
+                 : unknown_value_message(kind, value, values);
     };
   }
 };
 
 }  // namespace
+
+std::string unknown_value_message(const std::string& kind, const std::string& value,
+                                  const std::vector<std::string>& values) {
+  std::string message = "unknown " + kind + " \"" + value + "\"";
+  const auto nearest = std::min_element(values.begin(), values.end(), [&](const auto& a, const auto& b) {
+    return edit_distance(value, a) < edit_distance(value, b);
+  });
+  if (nearest != values.end() && edit_distance(value, *nearest) <= std::max<std::size_t>(3, value.size() / 3)) {
+    message += "; did you mean \"" + *nearest + "\"?";
+  }
+  return message + " The " + kind + "s are:" + quoted_list(values);
+}
 
 std::array<std::string, 5> default_choices() {
   std::array<std::string, 5> choices;
@@ -51,12 +96,13 @@ void add_options(CLI::App& app, Options& options) {
     app.add_option("--label" + n, options.labels[i], "label text of title line " + n);
     app.add_option("--line" + n, options.lines[i],
                    "what title line " + n + " shows (a choice title; \"\" for nothing)")
-        ->capture_default_str();
+        ->capture_default_str()
+        ->check(OneOf("choice", line_choices()));
   }
   app.add_flag("--tcr", options.tcr, "add a Timecode Reader filter to every clip");
   app.add_option("--rate", options.rate, "frame rate of the new sequence (default: the first "
                                          "rate of the source's clips)")
-      ->check(RateName());
+      ->check(OneOf("rate", rate_names()));
   app.add_option("--output", options.output,
                  "write the sequence here instead of the Ferncroft folder");
   auto* list = app.add_flag("--list", options.list,
@@ -74,7 +120,7 @@ void add_options(CLI::App& app, Options& options) {
                "written");
   app.set_version_flag("--version", "quillory " QUILLORY_VERSION);
   app.footer("Choice titles for --line1 ... --line5:" + quoted_list(CHOICE_TITLES) +
-             "\nRates for --rate:" + rate_names() +
+             "\nRates for --rate:" + quoted_list(rate_names()) +
              "\nExit status: 0 written, 1 not an xmeml document or an error, 2 usage error.");
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "form/form.h"
 
@@ -32,6 +33,11 @@ struct Options {
   bool tolerant = false;
   bool import_safe = false;
 };
+
+// Says that `value` is none of `values` (the `kind`s, e.g. "template"), names the nearest as
+// a likely meaning, and lists them all.
+std::string unknown_value_message(const std::string& kind, const std::string& value,
+                                  const std::vector<std::string>& values);
 
 // Declares every option on `app`, bound to `options`.
 void add_options(CLI::App& app, Options& options);

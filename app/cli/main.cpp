@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <memory>
@@ -43,11 +44,43 @@ void print_report(const quillory::AssumptionReport& report) {
   if (!report.summary.empty()) std::cerr << report.summary << "\n";
 }
 
+// "--output -": the document itself goes to standard output.
+bool writes_to_standard_output(const quillory::cli::Options& options) {
+  return options.output == "-";
+}
+
 // The progress lines go to standard output, unless that carries what the user asked to see.
 std::unique_ptr<quillory::LineSink> progress_sink(const quillory::cli::Options& options) {
   if (options.quiet) return std::make_unique<quillory::NullSink>();
-  const bool shows_listing = options.list || options.preview;
-  return std::make_unique<quillory::StreamSink>(shows_listing ? std::cerr : std::cout);
+  const bool shows_other = options.list || options.preview || writes_to_standard_output(options);
+  return std::make_unique<quillory::StreamSink>(shows_other ? std::cerr : std::cout);
+}
+
+// A document without master clips most often holds an edit: say what it holds instead.
+void report_no_clip(const quillory::cli::Options& options, const quillory::OpenedSource& source) {
+  if (!source.clips.empty()) return;
+  std::cerr << "quillory: " << options.source << " holds no master clip";
+  if (source.sequences.empty()) {
+    std::cerr << " and no sequence";
+  } else {
+    std::cerr << "; it holds the sequence" << (source.sequences.size() > 1 ? "s" : "");
+    for (std::size_t i = 0; i < source.sequences.size(); ++i) {
+      std::cerr << (i == 0 ? " \"" : ", \"") << source.sequences[i] << '"';
+    }
+  }
+  std::cerr << "\n";
+}
+
+// The template a user names must be one the source offers.
+bool template_offered(const quillory::cli::Options& options, const quillory::OpenedSource& source) {
+  if (!options.template_name) return true;
+  std::vector<std::string> names;
+  for (const auto& title : source.templates) names.push_back(title.name);
+  if (std::find(names.begin(), names.end(), *options.template_name) != names.end()) return true;
+  std::cerr << "quillory: --template: "
+            << quillory::cli::unknown_value_message("template", *options.template_name, names)
+            << "\n";
+  return false;
 }
 
 int run(const quillory::cli::Options& options) {
@@ -67,6 +100,8 @@ int run(const quillory::cli::Options& options) {
       std::cerr << opened.error << (opened.incomplete ? kTolerantHint : "") << "\n";
       return status(ExitCode::Failed);
   }
+  if (!template_offered(options, controller.source())) return status(ExitCode::Usage);
+  report_no_clip(options, controller.source());
   if (options.list) {
     if (options.json) {
       quillory::cli::print_json_listing(controller.source(), std::cout);
@@ -82,16 +117,21 @@ int run(const quillory::cli::Options& options) {
     print_report(controller.opening_report());
     return status(ExitCode::Success);
   }
+  const bool to_standard_output = writes_to_standard_output(options);
   const auto path = options.output ? options.output : controller.paths().TEMP_XML_FILE;
   quillory::AssumptionReport report;
   {
     const bool on_terminal = isatty(STDERR_FILENO) == 1;
-    const bool lines_on_terminal = !options.quiet && isatty(STDOUT_FILENO) == 1;
+    const bool lines_on_terminal =
+        !options.quiet && isatty(to_standard_output ? STDERR_FILENO : STDOUT_FILENO) == 1;
     quillory::cli::TerminalProgress display(*progress, std::cerr, on_terminal, lines_on_terminal);
-    report = controller.create_fcp_xml(form, display, path);
+    std::cout.flush();
+    report = to_standard_output ? controller.create_fcp_xml(form, display, STDOUT_FILENO)
+                                : controller.create_fcp_xml(form, display, path);
   }
   print_report(report);
-  std::cerr << "quillory: wrote " << *path << "\n";
+  std::cerr << "quillory: wrote " << (to_standard_output ? "the titles to standard output" : *path)
+            << "\n";
   return status(ExitCode::Success);
 }
 

@@ -54,7 +54,10 @@ struct Row {
   std::vector<std::string> said;  // what standard error must say, besides the path
   std::vector<std::string> args = {};
   enum Kind {
-    Text, Folder, Missing, Unreadable, OutputMissing, OutputFolder, OutputReadOnly, FullDisk, Stopped
+    Text, Folder, Missing, Unreadable, OutputMissing, OutputFolder, OutputReadOnly, FullDisk, Stopped,
+    // The source given as the output, spelt as a path to it, through "..", a hard link and a
+    // symbolic link.
+    SourceAsOutput, SourceThroughParent, SourceHardLink, SourceSymbolicLink
   } kind = Text;
   int exit = 1;
 };
@@ -93,6 +96,13 @@ TEST(FailureMatrix, EveryFaultEndsWithOneLocatedMessageAndThePreviousOutput) {
       {"read-only output folder", clip(), {"cannot create a temporary file beside"}, {}, Row::OutputReadOnly},
       {"full disk", clip(), {"cannot write", "No space left on device"}, {}, Row::FullDisk},
       {"stopped while writing", test::xmeml(test::file_definition("f", "a.mov") + many), {}, {}, Row::Stopped, 128 + SIGTERM},
+      {"source as output", clip(), {"is the source"}, {}, Row::SourceAsOutput},
+      {"source as output through ..", clip(), {"is the source"}, {}, Row::SourceThroughParent},
+      {"hard link to the source as output", clip(), {"is the source"}, {}, Row::SourceHardLink},
+      {"symbolic link to the source as output", clip(), {"is the source"}, {}, Row::SourceSymbolicLink},
+      {"mistyped line choice", clip(), {"--line1", "did you mean \"Clip Name\"?", "\"Log Note\""}, {"--line1", "Clip name"}, Row::Text, 2},
+      {"mistyped template", clip(), {"did you mean \"Default\"?"}, {"--template", "default"}, Row::Text, 2},
+      {"mistyped rate", clip(), {"did you mean \"PAL (25fps)\"?"}, {"--rate", "PAL (25 fps)"}, Row::Text, 2},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
@@ -121,7 +131,17 @@ TEST(FailureMatrix, EveryFaultEndsWithOneLocatedMessageAndThePreviousOutput) {
       }
       output = dir.file("small/titles.xml");
     }
-    if (row.kind != Row::OutputFolder && row.kind != Row::OutputMissing) test::write_file(output, kPrevious);
+    const bool source_as_output = row.kind >= Row::SourceAsOutput;
+    if (row.kind == Row::SourceAsOutput) output = source;
+    if (row.kind == Row::SourceThroughParent) {
+      fs::create_directory(dir.file("sub"));
+      output = dir.file("sub/../source.xml");
+    }
+    if (row.kind == Row::SourceHardLink) fs::create_hard_link(source, output);
+    if (row.kind == Row::SourceSymbolicLink) fs::create_symlink(source, output);
+    if (row.kind != Row::OutputFolder && row.kind != Row::OutputMissing && !source_as_output) {
+      test::write_file(output, kPrevious);
+    }
     const auto stop_once_writing = [&](int pid) {
       if (row.kind != Row::Stopped) return;
       const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -149,13 +169,16 @@ TEST(FailureMatrix, EveryFaultEndsWithOneLocatedMessageAndThePreviousOutput) {
     if (row.kind != Row::Stopped) {
       EXPECT_EQ(result.err.rfind("quillory: ", 0), 0U) << result.err;
       EXPECT_LT(result.err.size(), 2000U) << "one message, not a flood";
-      const std::string& named = row.kind >= Row::OutputMissing ? output : source;
-      EXPECT_NE(result.err.find(named), std::string::npos) << result.err;
+      const std::string& named = row.kind >= Row::OutputMissing && !source_as_output ? output : source;
+      // A usage error is about the command line, not a file.
+      if (row.exit != 2) {
+        EXPECT_NE(result.err.find(named), std::string::npos) << result.err;
+      }
       for (const auto& said : row.said) EXPECT_NE(result.err.find(said), std::string::npos) << result.err;
     }
     EXPECT_EQ(result.out.find("quillory"), std::string::npos) << "messages go to standard error";
     if (fs::is_regular_file(output)) {
-      EXPECT_EQ(test::read_file(output), kPrevious);
+      EXPECT_EQ(test::read_file(output), source_as_output ? row.source : kPrevious);
     }
     const fs::path folder = fs::path(output).parent_path();
     for (const auto& entry : fs::directory_iterator(fs::exists(folder) ? folder : dir.path())) {
@@ -163,6 +186,66 @@ TEST(FailureMatrix, EveryFaultEndsWithOneLocatedMessageAndThePreviousOutput) {
     }
     if (row.kind == Row::FullDisk) ::umount(dir.file("small").c_str());
   }
+}
+
+// Runs that succeed where a careless one would lose or misplace a file: each writes what the
+// same run to a plain new file writes, and leaves the user's files as they were.
+TEST(FailureMatrix, EdgesWriteWhereTheUserMeantAndKeepTheirFiles) {
+  const test::TempDir dir;
+  const std::string source = dir.file("source.xml");
+  test::write_file(source, clip());
+  const std::string latin1 = dir.file("latin1.xml");
+  test::write_file(latin1, clip("<lognote>N", "<lognote>caf\xE9"));
+  const auto quillory = [&](const std::vector<std::string>& args, const std::string& home,
+                            const std::string& from = "") {
+    std::vector<std::string> argv{QUILLORY_BINARY, "--quiet"};
+    argv.insert(argv.end(), args.begin(), args.end());
+    if (!from.empty()) {
+      std::string line = "cat '" + from + "' |";
+      for (const auto& word : argv) line += " '" + word + "'";
+      argv = {"/bin/sh", "-c", line + " /dev/stdin"};
+    } else {
+      argv.push_back(source);
+    }
+    return test::run_command(argv, {"HOME=" + home, "XDG_DATA_HOME="});
+  };
+  fs::create_directory(dir.file("home"));
+  const auto plain = quillory({"--output", dir.file("plain.xml")}, dir.file("home"));
+  ASSERT_EQ(plain.exit_code, 0) << plain.err;
+  const std::string expected = test::read_file(dir.file("plain.xml"));
+
+  // A new account without a data folder: made for the owner alone, and every mode works.
+  const std::string fresh = dir.file("fresh");
+  fs::create_directory(fresh);
+  for (const auto& args : {std::vector<std::string>{"--list"}, {"--preview"}, {}}) {
+    EXPECT_EQ(quillory(args, fresh).exit_code, 0) << args.size();
+  }
+  EXPECT_EQ(fs::status(fresh + "/.local/share").permissions(), fs::perms::owner_all);
+  EXPECT_EQ(test::read_file(fresh + "/.local/share/Ferncroft/Quillory.xml"), expected);
+
+  // Through a symbolic link the target is replaced, the link stays, the mode is kept.
+  test::write_file(dir.file("target.xml"), kPrevious);
+  fs::permissions(dir.file("target.xml"), fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+  fs::create_symlink("target.xml", dir.file("link.xml"));
+  EXPECT_EQ(quillory({"--output", dir.file("link.xml")}, dir.file("home")).exit_code, 0);
+  EXPECT_TRUE(fs::is_symlink(dir.file("link.xml")));
+  EXPECT_EQ(test::read_file(dir.file("target.xml")), expected);
+  EXPECT_EQ(fs::status(dir.file("target.xml")).permissions(),
+            fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+
+  // "--output -": the document alone on standard output, nothing on disk.
+  const auto piped_out = quillory({"--output", "-"}, dir.file("home"));
+  EXPECT_EQ(piped_out.exit_code, 0);
+  EXPECT_EQ(piped_out.out, expected);
+  EXPECT_FALSE(fs::exists(dir.file("-")));
+  EXPECT_NE(piped_out.err.find("standard output"), std::string::npos);
+
+  // A source from a pipe that needs repair is repaired from the bytes read once.
+  const auto repaired =
+      quillory({"--line1", "Log Note", "--output", dir.file("repaired.xml")}, dir.file("home"), latin1);
+  EXPECT_EQ(repaired.exit_code, 0) << repaired.err;
+  EXPECT_NE(test::read_file(dir.file("repaired.xml")).find("caf"), std::string::npos);
+  EXPECT_EQ(test::read_file(source), clip());
 }
 
 }  // namespace
