@@ -65,6 +65,7 @@ TEST_F(ControllerTest, SettingsFollowTheFormAtEachRun) {
   form.nameField = "Day 1";
   form.lines = {};
   form.lines[2] = {"hi", "Text"};
+  form.lines[3] = {"x", "clip name"};  // a title no menu item has: the line shows nothing
   form.tcrCheckbox = -1;  // mixed: no Timecode Reader
   TitleSettings settings = controller.title_settings(form);
   // No rate chosen: the document's first; a rate no row has is the same as none.
