@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <csignal>
 #include <iostream>
 #include <memory>
 
@@ -23,18 +22,6 @@ namespace {
 using quillory::cli::ExitCode;
 
 int status(ExitCode code) { return static_cast<int>(code); }
-
-// Stopped while writing, the command leaves the previous output and no temporary file: the
-// handler removes the file being written, then lets the signal take its usual course.
-void on_stop(int signal_number) {
-  quillory::remove_unfinished_replacement();
-  std::signal(signal_number, SIG_DFL);
-  std::raise(signal_number);
-}
-
-void remove_unfinished_output_when_stopped() {
-  for (int signal_number : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal_number, &on_stop);
-}
 
 // Follows every error that --tolerant would have taken with an assumption.
 constexpr const char* kTolerantHint = " (--tolerant accepts this)";
@@ -152,7 +139,7 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? status(ExitCode::Success) : status(ExitCode::Usage);
   }
-  remove_unfinished_output_when_stopped();
+  quillory::remove_unfinished_replacement_when_stopped();
   try {
     return run(options);
   } catch (const quillory::IncompleteInput& error) {

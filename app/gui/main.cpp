@@ -6,6 +6,7 @@
 
 #include "main_window.h"
 #include "startup/startup.h"
+#include "titles/replace_file.h"
 
 int main(int argc, char** argv) {
   QApplication app(argc, argv);
@@ -13,6 +14,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("Quillory"));
   QApplication::setApplicationVersion(QStringLiteral(QUILLORY_VERSION));
   QApplication::setDesktopFileName(QStringLiteral("quillory"));
+  quillory::remove_unfinished_replacement_when_stopped();
 
   quillory::OutputPaths paths;
   try {

@@ -2,9 +2,8 @@
 
 #include <QAction>
 #include <QCheckBox>
-#include <QComboBox>
-#include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -210,6 +209,7 @@ bool MainWindow::openDocument(const QString& path) {
 
 void MainWindow::showDocument(const QString& path) {
   source_path_ = path;
+  output_->hide();  // the file written holds the previous document's titles
   document_->showDocument(controller_.display());
   form_->showDocument(controller_);
   last_folder_ = QFileInfo(path).absolutePath();
@@ -269,11 +269,8 @@ bool MainWindow::saveOutputCopyTo(const QString& target) {
 }
 
 BusyScope MainWindow::busyWith(const QString& message) {
-  const auto set_busy = [this](bool busy) {
-    busy_ = busy;
-    updateActions();
-  };
-  return BusyScope(*centralWidget(), *statusBar(), *progress_, set_busy, message);
+  return BusyScope(*centralWidget(), *statusBar(), *progress_,
+                   [this](bool busy) { busy_ = busy, updateActions(); }, message);
 }
 
 void MainWindow::updateActions() {
@@ -284,10 +281,7 @@ void MainWindow::updateActions() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   // An operation holds the form; closing under it would pull the controls away.
-  if (busy_) {
-    event->ignore();
-    return;
-  }
+  if (busy_) return event->ignore();
   saveSettings();
   event->accept();
 }

@@ -75,6 +75,8 @@ void OutputBar::saveCopy() {
 }
 
 bool OutputBar::saveCopyTo(const QString& target) {
+  // Hidden, the bar stands for no titles of the open document: the file holds another's.
+  if (isHidden()) return false;
   QFile source(output_path_);
   QSaveFile copy(target);
   if (!copy_file(source, copy)) {

@@ -23,7 +23,8 @@ class OutputBar : public QWidget {
             QWidget* parent = nullptr);
 
   void showWritten();
-  // Copies the output to `target`, replacing what is there only once the copy is complete.
+  // Copies the output to `target`, replacing what is there only once the copy is complete;
+  // false, copying nothing, while the bar is hidden.
   bool saveCopyTo(const QString& target);
 
   QPushButton* revealButton() const { return reveal_; }

@@ -115,6 +115,20 @@ void remove_unfinished_replacement() noexcept {
   if (unfinished != 0) ::unlink(unfinished_path);
 }
 
+namespace {
+
+void on_stop(int signal_number) {
+  remove_unfinished_replacement();
+  std::signal(signal_number, SIG_DFL);
+  std::raise(signal_number);
+}
+
+}  // namespace
+
+void remove_unfinished_replacement_when_stopped() {
+  for (int signal_number : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal_number, &on_stop);
+}
+
 void replace_file(const std::string& path, const std::function<bool(int fd)>& write) {
   const std::string target = link_target(path);
   TemporaryFile temporary(target);

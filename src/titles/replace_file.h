@@ -21,4 +21,9 @@ bool same_file(const std::string& first, const std::string& second);
 // signal handler: a host stopped by a signal calls it so that no temporary file is left.
 void remove_unfinished_replacement() noexcept;
 
+// Installs handlers for SIGINT, SIGTERM and SIGHUP that remove that temporary file and then
+// let the signal take its usual course: a host stopped while writing leaves the previous
+// output and no temporary file.
+void remove_unfinished_replacement_when_stopped();
+
 }  // namespace quillory

@@ -181,6 +181,10 @@ class MainWindowTest : public QObject {
     QVERIFY(write_all(copy, "older file"));
     QVERIFY(window_->saveOutputCopyTo(copy));
     QCOMPARE(read_all(copy), read_all(written));
+    // Another document opened, the file holds none of its titles: no row, no copy.
+    QVERIFY(window_->openDocument(kExample));
+    QVERIFY(control<QWidget>("outputRow")->isHidden());
+    QVERIFY(!window_->saveOutputCopyTo(copy));
   }
 
   void refusalsKeepThePreviousStateAndFile() {
