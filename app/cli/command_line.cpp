@@ -87,6 +87,10 @@ std::array<std::string, 5> default_choices() {
 
 void add_options(CLI::App& app, Options& options) {
   app.add_option("SOURCE", options.source, "the xmeml export to read")->required();
+  auto* sequence = app.add_option(
+      "--sequence", options.sequence,
+      "title every shot of this top-level sequence of the source instead of its master clips: "
+      "the sequence is copied, with a track of titles above it");
   app.add_option("--template", options.template_name,
                  "title template to use (default: the first, \"Default\")");
   app.add_option("--name", options.name,
@@ -102,7 +106,8 @@ void add_options(CLI::App& app, Options& options) {
   app.add_flag("--tcr", options.tcr, "add a Timecode Reader filter to every clip");
   app.add_option("--rate", options.rate, "frame rate of the new sequence (default: the first "
                                          "rate of the source's clips)")
-      ->check(OneOf("rate", rate_names()));
+      ->check(OneOf("rate", rate_names()))
+      ->excludes(sequence);
   app.add_option("--output", options.output,
                  "write the sequence here instead of the Ferncroft folder");
   auto* list = app.add_flag("--list", options.list,
@@ -126,6 +131,7 @@ void add_options(CLI::App& app, Options& options) {
 
 Form form_from_options(const Options& options) {
   Form form;
+  form.sourcePopup = options.sequence;
   form.templatePopup = options.template_name;
   form.ratePopup = options.rate;
   form.nameField = options.name.value_or(sequence_name_for(options.source));

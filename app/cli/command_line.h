@@ -19,6 +19,7 @@ std::array<std::string, 5> default_choices();
 
 struct Options {
   std::string source;
+  std::optional<std::string> sequence;
   std::optional<std::string> template_name;
   std::optional<std::string> name;
   std::array<std::string, 5> labels;

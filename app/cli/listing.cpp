@@ -33,6 +33,12 @@ void print_listing(const OpenedSource& opened, std::ostream& out) {
   }
   out << "Rates:\n";
   for (const auto& rate : opened.frame_rates) out << "  " << rate << "\n";
+  if (opened.sequences.empty()) return;
+  out << "Sequences (name, rate, length in frames, video tracks, shots):\n";
+  for (const auto& sequence : opened.sequences) {
+    out << "  " << sequence.name << ", " << sequence.rate << ", " << sequence.duration << ", "
+        << sequence.video_tracks << ", " << sequence.shots << "\n";
+  }
 }
 
 void print_json_listing(const OpenedSource& opened, std::ostream& out) {
@@ -52,6 +58,14 @@ void print_json_listing(const OpenedSource& opened, std::ostream& out) {
                                 {"timecode", clip.frame_string},
                                 {"date", iso_date_time(clip.time)},
                                 {"rate", rate_or_null(opened.clip_rates[i])}});
+  }
+  listing["sequences"] = nlohmann::ordered_json::array();
+  for (const auto& sequence : opened.sequences) {
+    listing["sequences"].push_back({{"name", sequence.name},
+                                    {"rate", rate_or_null(sequence.rate)},
+                                    {"duration", sequence.duration},
+                                    {"video_tracks", sequence.video_tracks},
+                                    {"shots", sequence.shots}});
   }
   // Text from a repaired source is valid UTF-8; replacing keeps any other byte from aborting.
   out << listing.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";

@@ -45,17 +45,17 @@ std::unique_ptr<quillory::LineSink> progress_sink(const quillory::cli::Options& 
 
 // A document without master clips most often holds an edit: say what it holds instead.
 void report_no_clip(const quillory::cli::Options& options, const quillory::OpenedSource& source) {
-  if (!source.clips.empty()) return;
+  if (!source.clips.empty() || options.sequence) return;
   std::cerr << "quillory: " << options.source << " holds no master clip";
   if (source.sequences.empty()) {
-    std::cerr << " and no sequence";
-  } else {
-    std::cerr << "; it holds the sequence" << (source.sequences.size() > 1 ? "s" : "");
-    for (std::size_t i = 0; i < source.sequences.size(); ++i) {
-      std::cerr << (i == 0 ? " \"" : ", \"") << source.sequences[i] << '"';
-    }
+    std::cerr << " and no sequence\n";
+    return;
   }
-  std::cerr << "\n";
+  std::cerr << "; it holds the sequence" << (source.sequences.size() > 1 ? "s" : "");
+  for (std::size_t i = 0; i < source.sequences.size(); ++i) {
+    std::cerr << (i == 0 ? " \"" : ", \"") << source.sequences[i].name << '"';
+  }
+  std::cerr << ": --sequence NAME titles the shots of one\n";
 }
 
 // The template a user names must be one the source offers.
@@ -82,6 +82,11 @@ int run(const quillory::cli::Options& options) {
       std::cerr << "quillory: " << options.source
                 << " is not an xmeml document (its first node is not <xmeml>); nothing was written\n";
       return status(ExitCode::Failed);
+    case quillory::OpenStatus::NoSequence:
+      std::cerr << "quillory: --sequence: "
+                << quillory::cli::unknown_value_message("sequence", *options.sequence, opened.sequences)
+                << "\n";
+      return status(ExitCode::Usage);
     case quillory::OpenStatus::Unreadable:
     case quillory::OpenStatus::Broken:
       std::cerr << opened.error << (opened.incomplete ? kTolerantHint : "") << "\n";

@@ -51,11 +51,15 @@ int checkbox_state(const QCheckBox* box) {
 
 FormPanel::FormPanel(QWidget* parent)
     : QWidget(parent),
+      source_menu_(new QComboBox(this)),
       template_menu_(new QComboBox(this)),
       rate_menu_(new QComboBox(this)),
       name_field_(new QLineEdit(this)),
       timecode_reader_(new QCheckBox(tr("Timecode R&eader on every clip"), this)),
       import_safe_(new QCheckBox(tr("Import-safe output"), this)) {
+  source_menu_->setObjectName(QStringLiteral("sourcePopup"));
+  source_menu_->setToolTip(tr("Title the master clips, or every shot of a sequence of the document"));
+  source_menu_->addItem(QString::fromUtf8(kMasterClips));
   template_menu_->setObjectName(QStringLiteral("templatePopup"));
   template_menu_->setPlaceholderText(tr("(open a document)"));
   template_menu_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -68,6 +72,7 @@ FormPanel::FormPanel(QWidget* parent)
   name_field_->setAcceptDrops(false);
   name_field_->setToolTip(tr("The new sequence's name"));
   auto* sequence_form = new QFormLayout;
+  sequence_form->addRow(tr("&Source:"), source_menu_);
   sequence_form->addRow(tr("&Template:"), template_menu_);
   sequence_form->addRow(tr("Frame &rate:"), rate_menu_);
   sequence_form->addRow(tr("Sequence &name:"), name_field_);
@@ -122,6 +127,7 @@ FormPanel::FormPanel(QWidget* parent)
 
 Form FormPanel::form() const {
   Form form;
+  if (source_menu_->currentIndex() >= 0) form.sourcePopup = source_menu_->currentText().toStdString();
   if (template_menu_->currentIndex() >= 0) form.templatePopup = template_menu_->currentText().toStdString();
   if (rate_menu_->currentIndex() >= 0) form.ratePopup = rate_menu_->currentText().toStdString();
   form.nameField = name_field_->text().toStdString();
@@ -135,12 +141,22 @@ Form FormPanel::form() const {
   return form;
 }
 
+void FormPanel::chooseMasterClips() {
+  const QSignalBlocker quiet(source_menu_);
+  source_menu_->setCurrentIndex(0);
+}
+
 void FormPanel::showDocument(const Controller& controller) {
+  QStringList sources{QString::fromUtf8(kMasterClips)};
+  for (const auto& sequence : controller.source().sequences) sources << QString::fromStdString(sequence.name);
+  refill(source_menu_, sources, sources.front());
+  rate_menu_->setEnabled(!controller.titles_over_sequence());
   QStringList templates;
   for (const auto& title : controller.source().templates) templates << QString::fromStdString(title.name);
   refill(template_menu_, templates, QString());
   refill(rate_menu_, texts_of(controller.rate_choices()), QString::fromStdString(controller.default_rate()));
   name_field_->setText(QString::fromStdString(controller.document_sequence_name()));
+  if (controller.titles_over_sequence()) name_field_->setText(source_menu_->currentText());
 }
 
 void FormPanel::restore(const FormSettings& values) {
@@ -164,7 +180,7 @@ void FormPanel::store(FormSettings& values) const {
 }
 
 QList<QWidget*> FormPanel::controls() const {
-  QList<QWidget*> chain{template_menu_, rate_menu_, name_field_, import_safe_};
+  QList<QWidget*> chain{source_menu_, template_menu_, rate_menu_, name_field_, import_safe_};
   for (std::size_t i = 0; i < 5; ++i) chain << labels_[i] << choices_[i];
   chain << timecode_reader_;
   return chain;

@@ -24,9 +24,13 @@ class FormPanel : public QWidget {
   // What the panel's controls hold; the document bar's checkbox is the window's to add.
   Form form() const;
 
-  // Offers the templates and rates of the document the controller opened, keeping the chosen
-  // ones where it still has them, and names the sequence after it.
+  // Offers the sources, templates and rates of the document the controller opened, keeping
+  // the chosen ones where it still has them, and names the sequence after it: the document,
+  // or the sequence whose shots are titled, whose rate the titles then take.
   void showDocument(const Controller& controller);
+  // Back to the master clips, as a newly opened document starts.
+  void chooseMasterClips();
+  QComboBox* sourceMenu() const { return source_menu_; }
 
   void restore(const FormSettings& values);
   void store(FormSettings& values) const;
@@ -39,6 +43,7 @@ class FormPanel : public QWidget {
   void linesChanged();
 
  private:
+  QComboBox* source_menu_;
   QComboBox* template_menu_;
   QComboBox* rate_menu_;
   QLineEdit* name_field_;

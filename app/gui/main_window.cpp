@@ -68,74 +68,16 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
   connect(document_->openButton(), &QPushButton::clicked, this, &MainWindow::chooseDocument);
   connect(create_button_, &QPushButton::clicked, this, &MainWindow::createTitles);
   // How a document is read changes what it gives: read the open one again.
-  connect(document_->tolerantBox(), &QCheckBox::toggled, this, [this] {
+  const auto read_again = [this] {
     if (!busy_ && !source_path_.isEmpty()) openDocument(source_path_);
-  });
+  };
+  connect(document_->tolerantBox(), &QCheckBox::toggled, this, read_again);
+  connect(form_->sourceMenu(), &QComboBox::currentIndexChanged, this, read_again);
   updateActions();
   statusBar()->showMessage(tr("Open a Final Cut Pro XML export, or drop one on this window."));
 }
 
 MainWindow::~MainWindow() = default;
-
-void MainWindow::buildWidgets() {
-  auto* central = new QWidget(this);
-  setCentralWidget(central);
-
-  document_ = new DocumentBar(central);
-  form_ = new FormPanel(central);
-  auto* preview_box = new QGroupBox(tr("Preview"), central);
-  preview_ = new TitlePreview([this] { return controller_.title_settings(form()).lines; },
-                              preview_box);
-  (new QVBoxLayout(preview_box))->addWidget(preview_);
-  auto* columns = new QHBoxLayout;
-  columns->addWidget(form_, 3);
-  columns->addWidget(preview_box, 2);
-
-  // The run and where its file went.
-  create_button_ = new QPushButton(tr("&Create Titles"), central);
-  create_button_->setObjectName(QStringLiteral("createButton"));
-  create_button_->setToolTip(tr("Write the title sequence (Ctrl+Return)"));
-  create_button_->setDefault(true);
-  output_ = new OutputBar(outputPath(), [this] { return suggestedCopy(); }, central);
-  auto* run_row = new QHBoxLayout;
-  run_row->addWidget(create_button_);
-  run_row->addWidget(output_, 1);
-
-  log_ = new LogPane(central);
-  log_->setObjectName(QStringLiteral("logPane"));
-
-  auto* layout = new QVBoxLayout(central);
-  layout->addWidget(document_);
-  layout->addLayout(columns, 1);
-  layout->addLayout(run_row);
-  layout->addWidget(log_);
-
-  auto* bar = new QProgressBar(this);
-  bar->setObjectName(QStringLiteral("progress"));
-  bar->setMaximumWidth(fontMetrics().averageCharWidth() * 30);
-  bar->hide();
-  statusBar()->addPermanentWidget(bar);
-  progress_ = std::make_unique<OperationProgress>(*log_, *bar);
-}
-
-void MainWindow::buildMenus() {
-  QMenu* file = menuBar()->addMenu(tr("&File"));
-  open_action_ = file->addAction(tr("&Open…"), this, &MainWindow::chooseDocument);
-  open_action_->setShortcut(QKeySequence::Open);
-  create_action_ = file->addAction(tr("&Create Titles"), this, &MainWindow::createTitles);
-  create_action_->setShortcuts(
-      {QKeySequence(Qt::CTRL | Qt::Key_Return), QKeySequence(Qt::CTRL | Qt::Key_Enter)});
-  file->addSeparator();
-  QAction* quit = file->addAction(tr("&Quit"), this, &QWidget::close);
-  quit->setShortcut(QKeySequence::Quit);
-}
-
-void MainWindow::setTabOrder() {
-  QList<QWidget*> chain{document_->openButton(), document_->tolerantBox()};
-  chain << form_->controls() << preview_->clipMenu() << create_button_
-        << output_->revealButton() << output_->saveCopyButton() << log_->toggleButton();
-  for (qsizetype i = 1; i < chain.size(); ++i) QWidget::setTabOrder(chain[i - 1], chain[i]);
-}
 
 void MainWindow::restoreSettings() {
   const FormSettings values = load_form_settings(QSettings());
@@ -171,6 +113,8 @@ void MainWindow::chooseDocument() {
 bool MainWindow::openDocument(const QString& path) {
   if (busy_) return false;
   const QString name = QFileInfo(path).fileName();
+  // A sequence chosen in one document means nothing in another.
+  if (path != source_path_) form_->chooseMasterClips();
   OpenOutcome opened;
   {
     const BusyScope busy = busyWith(tr("Opening %1…").arg(name));
@@ -182,6 +126,7 @@ bool MainWindow::openDocument(const QString& path) {
       statusBar()->showMessage(tr("Could not open %1.").arg(name));
       show_error(this, tr("Could not open %1.").arg(name), error);
       return false;
+    case OpenStatus::NoSequence:  // the menu offers only the document's own
     case OpenStatus::NotXmeml:
       statusBar()->showMessage(tr("%1 is not an xmeml document; nothing changed.").arg(name));
       show_error(this, tr("%1 is not a Final Cut Pro XML document.").arg(name),
@@ -213,7 +158,7 @@ void MainWindow::showDocument(const QString& path) {
   document_->showDocument(controller_.display());
   form_->showDocument(controller_);
   last_folder_ = QFileInfo(path).absolutePath();
-  preview_->setClips(&controller_.source().clips);
+  preview_->setClips(&controller_.source().clips, controller_.source().sequence_timebase);
   updateActions();
 }
 

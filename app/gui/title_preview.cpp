@@ -7,6 +7,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "source/timecode.h"
+
 
 namespace quillory::gui {
 
@@ -43,7 +45,7 @@ TitlePreview::TitlePreview(std::function<LineSettings()> lines, QWidget* parent)
   setClips(nullptr);
 }
 
-void TitlePreview::setClips(const std::vector<ClipRecord>* clips) {
+void TitlePreview::setClips(const std::vector<ClipRecord>* clips, int timebase) {
   clips_ = clips;
   const int previous = std::max(clip_menu_->currentIndex(), 0);
   QStringList names;
@@ -51,8 +53,12 @@ void TitlePreview::setClips(const std::vector<ClipRecord>* clips) {
   names.reserve(static_cast<qsizetype>(count));
   for (std::size_t i = 0; i < count; ++i) {
     const auto& clip = (*clips_)[i];
-    // Numbered, because clip names need not be unique.
-    names.append(QStringLiteral("%1. %2").arg(i + 1).arg(QString::fromStdString(clip.clip_name)));
+    // Numbered, because clip names need not be unique; a shot with its place in the sequence.
+    QString name = QStringLiteral("%1. %2").arg(i + 1).arg(QString::fromStdString(clip.clip_name));
+    if (clip.shot) {
+      name += tr(" at %1").arg(QString::fromStdString(format_timecode(clip.shot->start, {timebase, false})));
+    }
+    names.append(name);
   }
   {
     const QSignalBlocker quiet(clip_menu_);

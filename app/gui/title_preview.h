@@ -19,8 +19,9 @@ class TitlePreview : public QWidget {
   // `lines` gives the line set-up each time the preview is composed.
   explicit TitlePreview(std::function<LineSettings()> lines, QWidget* parent = nullptr);
 
-  // Offers the clips of a newly opened document; `clips` must outlive the next call.
-  void setClips(const std::vector<ClipRecord>* clips);
+  // Offers the clips of a newly opened document; `clips` must outlive the next call. Shots
+  // show where they start in a sequence of `timebase` frames a second.
+  void setClips(const std::vector<ClipRecord>* clips, int timebase = 30);
   // Composes the chosen clip's title text again.
   void refresh();
 

@@ -5,6 +5,7 @@
 #include "startup/frame_rates.h"
 #include "titles/create_fcp_xml.h"
 #include "titles/replace_file.h"
+#include "titles/titles_over_sequence.h"
 #include "titles/sequence_templates.h"
 #include "xml/failure.h"
 
@@ -14,10 +15,14 @@ Controller::Controller(OutputPaths paths) : paths_(std::move(paths)) {}
 
 OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form& form,
                                             LineSink& out) {
+  const bool master_clips = !form.sourcePopup || *form.sourcePopup == kMasterClips;
   OpenedSource opened = quillory::get_info_from_clips(
-      path, built_in_template(), form.tolerantCheckbox == kCheckboxOn, out);
-  OpenOutcome outcome{opened.status, opened.error, opened.incomplete};
-  if (outcome.status == OpenStatus::Unreadable || outcome.status == OpenStatus::NotXmeml) {
+      path, built_in_template(), form.tolerantCheckbox == kCheckboxOn, out,
+      master_clips ? std::nullopt : form.sourcePopup);
+  OpenOutcome outcome{opened.status, opened.error, opened.incomplete, {}};
+  for (const auto& sequence : opened.sequences) outcome.sequences.push_back(sequence.name);
+  if (outcome.status == OpenStatus::Unreadable || outcome.status == OpenStatus::NotXmeml ||
+      outcome.status == OpenStatus::NoSequence) {
     return outcome;
   }
   display_ = FileDisplay{false, path, base_name(path)};
@@ -34,9 +39,18 @@ void Controller::require_creatable() const {
 }
 
 AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out, int descriptor) const {
+  return create(form, Destination::descriptor(descriptor), out);
+}
+
+AssumptionReport Controller::create(const Form& form, const Destination& to, LineSink& out) const {
   require_creatable();
-  return quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form),
-                                  descriptor, out);
+  AssumptionReport report =
+      source_.sequence != nullptr
+          ? create_titles_over_sequence(source_.templates, source_.clips, source_.sequence,
+                                        title_settings(form), to, out)
+          : quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), to, out);
+  report.warnings.insert(report.warnings.begin(), source_.warnings.begin(), source_.warnings.end());
+  return report;
 }
 
 AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out,
@@ -48,15 +62,21 @@ AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out,
     fail("the output " + *path + " is the source " + display_.xmlIconToolTip +
          " itself; nothing was written: choose another output");
   }
-  return quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), path, out);
+  return create(form, path, out);
 }
 
 TitleSettings Controller::title_settings(const Form& form) const {
   TitleSettings settings;
   settings.template_name = template_used(form.templatePopup);
   settings.sequence_name = form.nameField;
-  const auto chosen = form.ratePopup ? find_frame_rate_by_type(*form.ratePopup) : std::nullopt;
-  settings.set_rate(chosen ? *chosen : default_sequence_rate(source_.frame_rates));
+  if (source_.sequence != nullptr) {
+    // Titles over a sequence run at the sequence's own rate, as written.
+    settings.ntsc = source_.sequence_ntsc;
+    settings.timebase = source_.sequence_timebase;
+  } else {
+    const auto chosen = form.ratePopup ? find_frame_rate_by_type(*form.ratePopup) : std::nullopt;
+    settings.set_rate(chosen ? *chosen : default_sequence_rate(source_.frame_rates));
+  }
   settings.lines = form.lines;
   settings.timecode_reader = form.tcrCheckbox == kCheckboxOn;
   settings.tolerant = form.tolerantCheckbox == kCheckboxOn;
@@ -91,7 +111,9 @@ std::optional<std::string> Controller::template_used(
 }
 
 AssumptionReport Controller::opening_report() const {
-  return report_assumptions(source_.templates, source_.clips);
+  AssumptionReport report = report_assumptions(source_.templates, source_.clips);
+  report.warnings.insert(report.warnings.begin(), source_.warnings.begin(), source_.warnings.end());
+  return report;
 }
 
 std::string Controller::document_sequence_name() const {

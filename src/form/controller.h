@@ -11,6 +11,7 @@
 #include "source/assumption_report.h"
 #include "source/get_info_from_clips.h"
 #include "startup/startup.h"
+#include "titles/destination.h"
 #include "titles/title_settings.h"
 #include "xml/line_sink.h"
 
@@ -22,18 +23,24 @@ struct OpenOutcome {
   OpenStatus status = OpenStatus::Unreadable;
   std::string error;
   bool incomplete = false;
+  std::vector<std::string> sequences;  // the names of the document's top-level sequences
 };
 
 class Controller {
  public:
   explicit Controller(OutputPaths paths);
 
-  // Opens the document at `path`, reading it as the form's "Accept incomplete exports" asks.
+  // Opens the document at `path`, reading it as the form's "Accept incomplete exports" asks,
+  // its master clips or the shots of the sequence its "Source:" names (NoSequence, changing
+  // nothing, when the document has none of that name).
   // A document that cannot be loaded, or whose first node is not <xmeml>, changes nothing.
   // Otherwise the display shows it and its lists replace the previous document's, also when a
   // clip or file definition breaks it off (Broken): then what the clips before it gave is
   // kept, to be shown, but nothing can be created from it.
   OpenOutcome get_info_from_clips(const std::string& path, const Form& form, LineSink& out);
+
+  // The open document's clips are the shots of one of its sequences.
+  bool titles_over_sequence() const { return source_.sequence != nullptr; }
 
   // Titles are made only from a document that opened whole.
   bool can_create() const { return source_.status == OpenStatus::Opened; }
@@ -69,6 +76,7 @@ class Controller {
 
  private:
   void require_creatable() const;
+  AssumptionReport create(const Form& form, const Destination& to, LineSink& out) const;
   // The name of the template a run with `selected` uses.
   std::optional<std::string> template_used(const std::optional<std::string>& selected) const;
 

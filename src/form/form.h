@@ -13,7 +13,13 @@ namespace quillory {
 // A checkbox's state: 1 on, 0 off, -1 mixed. Only "on" switches anything on.
 inline constexpr int kCheckboxOn = 1;
 
+// The first item of the source menu: the document's master clips rather than a sequence.
+inline constexpr const char* kMasterClips = "Master Clips";
+
 struct Form {
+  // "Source:": "Master Clips" (or none), or the name of a top-level sequence whose shots are
+  // titled.
+  std::optional<std::string> sourcePopup;
   // The selected template's title; none, or a title no template has: the first template.
   std::optional<std::string> templatePopup;
   // The selected frame-rate type; none, or a type no rate has: the document's first rate.

@@ -11,6 +11,14 @@
 
 namespace quillory {
 
+// Where a shot of an edited sequence lies: the sequence frames over which its clip item is the
+// picture seen.
+struct ShotPlace {
+  long long start = 0;
+  long long end = 0;
+  xmlNode* item = nullptr;  // the <clipitem> seen
+};
+
 struct ClipRecord {
   std::string clip_name;
   std::string file_name;
@@ -25,6 +33,8 @@ struct ClipRecord {
   // What tolerant reading assumed for this clip (and its media file) while opening, one
   // phrase each, e.g. "no <logginginfo/scene>, scene left empty".
   std::vector<std::string> assumptions;
+  // A shot of the chosen sequence rather than a master clip: then `xml` is its clip item.
+  std::optional<ShotPlace> shot;
 };
 
 struct TitleTemplate {

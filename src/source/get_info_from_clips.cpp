@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "xml/failure.h"
+#include "source/catalogue.h"
 #include "source/media_file_record.h"
 #include "source/parse_xml_file.h"
 #include "xml/read_xml.h"
@@ -13,31 +14,6 @@
 
 namespace quillory {
 namespace {
-
-// Finds catalogue records by file id, first record wins, as a search from the start would.
-class Catalogue {
- public:
-  explicit Catalogue(std::vector<MediaFileRecord> records) : records_(std::move(records)) {
-    for (std::size_t i = 0; i < records_.size(); ++i) {
-      if (records_[i].id) {
-        by_id_.emplace(*records_[i].id, i);
-      } else if (!first_without_id_) {
-        first_without_id_ = i;
-      }
-    }
-  }
-
-  const MediaFileRecord* find(const std::optional<std::string>& id) const {
-    if (!id) return first_without_id_ ? &records_[*first_without_id_] : nullptr;
-    const auto found = by_id_.find(*id);
-    return found == by_id_.end() ? nullptr : &records_[found->second];
-  }
-
- private:
-  std::vector<MediaFileRecord> records_;
-  std::unordered_map<std::string, std::size_t> by_id_;
-  std::optional<std::size_t> first_without_id_;
-};
 
 std::string clip_label(const std::string& name, const xmlNode* clip) {
   return "clip \"" + shown(name) + "\" (" + xml::where(clip) + ")";
@@ -60,6 +36,15 @@ class ClipReader {
       : doc_(doc), tolerant_(tolerant), opened_(opened), out_(out),
         catalogue_(get_files_info(xml::all_descendants(xml::as_node(doc.get()), "file"), out,
                                   tolerant)) {}
+
+  const Catalogue& catalogue() const { return catalogue_; }
+
+  // Where a sequence's shots are the clips, a clip element gives a template or nothing.
+  void read_template(xmlNode* clip) {
+    if (xmlNode* item = xml::first_element_at(clip, {"media", "video", "track", "generatoritem"})) {
+      read_generator_clip(item, xml::text_content(xml::first_child_element(clip, "name")), {});
+    }
+  }
 
   void read(xmlNode* clip) {
     std::vector<std::string> made;
@@ -205,27 +190,41 @@ bool remove_duplicates(std::vector<std::string>& names) {
   return removed;
 }
 
-bool inside_a_sequence(const xmlNode* node) {
-  for (const xmlNode* up = node->parent; up != nullptr && up->type == XML_ELEMENT_NODE; up = up->parent) {
-    if (xmlStrEqual(up->name, BAD_CAST "sequence")) return true;
+const SequenceSummary* find_sequence(const std::vector<SequenceSummary>& sequences,
+                                     const std::string& name) {
+  for (const auto& sequence : sequences) {
+    if (sequence.name == name) return &sequence;
   }
-  return false;
+  return nullptr;
 }
 
-std::vector<std::string> top_level_sequence_names(xmlDoc* doc) {
-  std::vector<std::string> names;
-  for (const xmlNode* sequence : xml::all_descendants(xml::as_node(doc), "sequence")) {
-    if (!inside_a_sequence(sequence)) {
-      names.push_back(xml::text_content(xml::first_child_element(sequence, "name")));
-    }
+// The chosen sequence's rate: one the table holds, else (tolerant reading) kept as written.
+void check_sequence_rate(const SequenceSummary& sequence, bool tolerant, OpenedSource& opened) {
+  opened.sequence_ntsc = sequence.ntsc;
+  opened.sequence_timebase = static_cast<int>(sequence.timebase);
+  if (!sequence.rate.empty()) {
+    opened.frame_rates = {sequence.rate};
+    return;
   }
-  return names;
+  const std::string what = "sequence \"" + shown(sequence.name) + "\" (" + xml::where(sequence.element) +
+                           "): no frame rate matches ntsc \"" + shown(sequence.ntsc) +
+                           "\" and timebase " + std::to_string(sequence.timebase);
+  if (!tolerant) throw IncompleteInput("quillory: " + what + "; accepted ntsc/timebase pairs: " + accepted_rates());
+  opened.warnings.push_back("quillory: warning: " + what + ", kept as written");
 }
 
 void read_clips(const xml::SharedDocument& doc, bool tolerant, OpenedSource& opened,
-                LineSink& out) {
+                LineSink& out, const SequenceSummary* sequence, const DocumentIndex& index) {
   ClipReader reader(doc, tolerant, opened, out);
-  for (xmlNode* clip : xml::all_descendants(xml::as_node(doc.get()), "clip")) reader.read(clip);
+  const auto clips = xml::all_descendants(xml::as_node(doc.get()), "clip");
+  if (sequence == nullptr) {
+    for (xmlNode* clip : clips) reader.read(clip);
+    return;
+  }
+  for (xmlNode* clip : clips) reader.read_template(clip);
+  check_sequence_rate(*sequence, tolerant, opened);
+  opened.clips = read_shots(*sequence, index, reader.catalogue(), doc);
+  opened.clip_rates.assign(opened.clips.size(), sequence->rate);
 }
 
 }  // namespace
@@ -243,7 +242,8 @@ std::string sequence_name_for(const std::string& path) {
 }
 
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
-                                 bool tolerant, LineSink& out) {
+                                 bool tolerant, LineSink& out,
+                                 const std::optional<std::string>& sequence) {
   out.line("opening...");
   LoadedDocument loaded;
   try {
@@ -253,25 +253,34 @@ OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& b
     opened.error = failure_message(error, path);
     return opened;
   }
-  return read_loaded_source(std::move(loaded), built_in, tolerant, out);
+  return read_loaded_source(std::move(loaded), built_in, tolerant, out, sequence);
 }
 
 OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& built_in,
-                                bool tolerant, LineSink& out) {
+                                bool tolerant, LineSink& out,
+                                const std::optional<std::string>& sequence) {
   OpenedSource opened;
   if (loaded.root_name != "xmeml") {
     opened.status = OpenStatus::NotXmeml;
+    return opened;
+  }
+  const DocumentIndex index(loaded.document.get());
+  opened.sequences = summarize_sequences(index, tolerant);
+  const SequenceSummary* chosen = sequence ? find_sequence(opened.sequences, *sequence) : nullptr;
+  if (sequence && chosen == nullptr) {
+    opened.status = OpenStatus::NoSequence;
     return opened;
   }
   out.line("...done!");
   opened.status = OpenStatus::Broken;
   opened.templates = {built_in};
   opened.digest = std::move(loaded.digest);
-  opened.sequences = top_level_sequence_names(loaded.document.get());
+  opened.sequence = chosen != nullptr ? chosen->element : nullptr;
   const auto* url = loaded.document->URL;
   const std::string path = url != nullptr ? reinterpret_cast<const char*>(url) : "the source";
   try {
-    read_clips(xml::share(std::move(loaded.document)), tolerant, opened, out);
+    opened.document = xml::share(std::move(loaded.document));
+    read_clips(opened.document, tolerant, opened, out, chosen, index);
   } catch (const IncompleteInput& error) {
     opened.error = error.what();
     opened.incomplete = true;

@@ -2,11 +2,13 @@
 // Opening a source document: loads it and reads the title templates it offers, one record per
 // media clip, and the frame rates met among those clips.
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "source/clip_record.h"
 #include "source/parse_xml_file.h"
+#include "source/sequence_shots.h"
 #include "xml/line_sink.h"
 
 namespace quillory {
@@ -15,6 +17,7 @@ enum class OpenStatus {
   Opened,      // read whole
   Unreadable,  // the file could not be loaded: nothing was read
   NotXmeml,    // its first node is not <xmeml>: nothing was read
+  NoSequence,  // no top-level sequence has the name asked for: nothing was read
   Broken,      // an xmeml document in which a clip or a file definition lacks something
 };
 
@@ -34,8 +37,16 @@ struct OpenedSource {
   std::vector<std::string> frame_rates;
   bool rates_repeated = false;  // some rate was met by more than one clip
   std::string digest;  // of the source's bytes
-  // The names of the sequences the document holds outside any clip, in document order.
-  std::vector<std::string> sequences;
+  // The sequences the document holds outside any clip item, in document order.
+  std::vector<SequenceSummary> sequences;
+  // Where a sequence was chosen: its element, whose shots `clips` are, and its rate as
+  // written; the document is kept for it even when no shot holds it.
+  xmlNode* sequence = nullptr;
+  std::string sequence_ntsc;
+  int sequence_timebase = 0;
+  xml::SharedDocument document;
+  // Warnings about the document as a whole, beside those of its clips.
+  std::vector<std::string> warnings;
 };
 
 // Loads the document at `path` and reads it, writing the progress lines to `out`. `built_in`
@@ -43,12 +54,17 @@ struct OpenedSource {
 // failing one gave, and that clip's own record when only its rate is at fault. `tolerant`
 // reading takes a clip or file that lacks something with an assumption, noted in its record,
 // where strict reading stops.
+// With a `sequence` named, the clips are the shots of the top-level sequence of that name
+// (the first, where several share it), read as master clips are read; the document's
+// text-generator clips are still its templates.
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
-                                 bool tolerant, LineSink& out);
+                                 bool tolerant, LineSink& out,
+                                 const std::optional<std::string>& sequence = {});
 
 // What get_info_from_clips does once the document is loaded.
 OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& built_in,
-                                bool tolerant, LineSink& out);
+                                bool tolerant, LineSink& out,
+                                const std::optional<std::string>& sequence = {});
 
 // The last component of a path, extension included.
 std::string base_name(const std::string& path);

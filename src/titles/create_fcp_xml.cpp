@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "titles/compose_title_text.h"
+#include "titles/destination.h"
 #include "titles/import_safe.h"
 #include "titles/item_media.h"
 #include "titles/item_timing.h"
@@ -16,6 +17,7 @@
 #include "titles/sequence_templates.h"
 #include "titles/stream_writer.h"
 #include "titles/title_prototype.h"
+#include "titles/title_writer.h"
 #include "xml/failure.h"
 #include "xml/read_xml.h"
 #include "xml/xml_nodes.h"
@@ -34,19 +36,6 @@ xmlNode* required_child(xmlNode* parent, const char* name, const std::string& ow
   xmlNode* child = xml::first_child_element(parent, name);
   if (child == nullptr) fail(owner + " has no <" + name + ">");
   return child;
-}
-
-const TitleTemplate& choose_template(const std::vector<TitleTemplate>& templates,
-                                     const std::optional<std::string>& name) {
-  if (templates.empty()) {
-    fail("no source document is open: open an xmeml export before creating titles");
-  }
-  if (name) {
-    for (const auto& candidate : templates) {
-      if (candidate.name == *name) return candidate;
-    }
-  }
-  return templates.front();
 }
 
 long long add_frames(long long position, long long length, const std::string& clip) {
@@ -263,7 +252,7 @@ class ItemWriter {
       if (index == 0 && clip.video_item != nullptr) {
         write_item(out, clip.video_item, clip, true);
       } else if (index == 1) {
-        write_title(out, clip, i + 1);
+        titles_.write(out, {clip.start, clip.end, clip.length, clip.title_text, {}, {}}, i + 1);
         progress_.progress("writing", i + 1, placed_.size());
       } else if (index >= 2 && index - 2 < clip.audio_items.size()) {
         write_item(out, clip.audio_items[index - 2], clip, false);
@@ -292,43 +281,22 @@ class ItemWriter {
     if (clip.own_file != nullptr && !has_file(item)) add_file(item, clip.own_file);
   }
 
-  // Titles differ only in a few fields, so libxml2 writes the first one and every title is
-  // that text with its own fields.
-  void write_title(StreamWriter& out, const PlacedClip& clip, std::size_t number) {
-    if (!title_text_) {
-      title_text_ = title_.serialize(out.child_level(), import_safe_ != nullptr,
-                                     [this](xmlNode* title) {
-                                       if (import_safe_) import_safe_->prepare_title_template(title);
-                                     });
-    }
-    TitlePrototype::Fields fields{clip.start, clip.end, clip.length, clip.title_text, {}, {}};
-    if (import_safe_ != nullptr) {
-      fields.id = ImportSafeOutput::title_id(number);
-      fields.uuid = import_safe_->title_uuid(number);
-      import_safe_->note_title(number);
-    }
-    out.raw_child(title_text_->join(fields));
-  }
-
   const TitlePrototype& title_;
   Outline& outline_;
   const std::vector<PlacedClip>& placed_;
   ImportSafeOutput* import_safe_;
   LineSink& progress_;  // the titles are most of what is written: they measure the writing
   xml::Document filter_;
-  std::optional<TitlePrototype::Text> title_text_;
+  TitleWriter titles_{title_, import_safe_};
 };
 
 }  // namespace
 
-namespace {
-
-// Hands the function that writes the document to where it goes.
-using Delivery = std::function<void(const std::function<bool(int fd)>& write)>;
-
-AssumptionReport create(const std::vector<TitleTemplate>& templates,
-                        const std::vector<ClipRecord>& clips, const TitleSettings& settings,
-                        const Delivery& deliver, LineSink& out) {
+AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
+                                const std::vector<ClipRecord>& clips,
+                                const TitleSettings& settings, const Destination& to,
+                                LineSink& out) {
+  to.require_known();
   const TitleTemplate& chosen = choose_template(templates, settings.template_name);
   Outline outline(settings);
   const TitlePrototype title(chosen, outline.document.get(), settings.tolerant);
@@ -345,7 +313,7 @@ AssumptionReport create(const std::vector<TitleTemplate>& templates,
   std::vector<xmlNode*> tracks = outline.video_tracks;
   tracks.resize(2);
   tracks.insert(tracks.end(), outline.audio_tracks.begin(), outline.audio_tracks.end());
-  deliver([&](int fd) {
+  deliver(to, [&](int fd) {
     StreamWriter writer(fd);
     writer.write(outline.document.get(), tracks,
                  [&](std::size_t track) { items.fill(writer, track); });
@@ -358,32 +326,6 @@ AssumptionReport create(const std::vector<TitleTemplate>& templates,
                            import_safe->warnings().end());
   }
   return report;
-}
-
-}  // namespace
-
-AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
-                                const std::vector<ClipRecord>& clips,
-                                const TitleSettings& settings,
-                                const std::optional<std::string>& output_path, LineSink& out) {
-  if (!output_path) {
-    fail("no output folder is known: set HOME (or XDG_DATA_HOME to an absolute path) so that "
-         "titles can be written to its Ferncroft folder");
-  }
-  return create(templates, clips, settings,
-                [&](const auto& write) { replace_file(*output_path, write); }, out);
-}
-
-AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
-                                const std::vector<ClipRecord>& clips,
-                                const TitleSettings& settings, int descriptor, LineSink& out) {
-  return create(templates, clips, settings, [&](const auto& write) {
-    errno = 0;
-    if (!write(descriptor)) {
-      throw std::system_error(errno != 0 ? errno : EIO, std::generic_category(),
-                              "quillory: cannot write the titles to standard output");
-    }
-  }, out);
 }
 
 }  // namespace quillory

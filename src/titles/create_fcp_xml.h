@@ -9,13 +9,14 @@
 
 #include "source/assumption_report.h"
 #include "source/clip_record.h"
+#include "titles/destination.h"
 #include "titles/title_settings.h"
 #include "xml/line_sink.h"
 
 namespace quillory {
 
 // Builds the title sequence of `clips` with a title made from one of `templates` over each,
-// as `settings` ask, and writes it to `output_path`. Neither the lists nor the source document
+// as `settings` ask, and writes it `to` a file or descriptor. Neither the lists nor the source document
 // are changed. Throws, naming the clip, when a clip or the template lacks something the
 // sequence needs (IncompleteInput where tolerant reading would assume it), and when no output
 // path or no template is known; the previous output file then stays as it was. Returns what
@@ -23,13 +24,7 @@ namespace quillory {
 // still repeats.
 AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
                                 const std::vector<ClipRecord>& clips,
-                                const TitleSettings& settings,
-                                const std::optional<std::string>& output_path, LineSink& out);
-
-// The same, written to the open `descriptor` (standard output, say) as it is made; nothing is
-// replaced, and a failed run may leave part of a document there.
-AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
-                                const std::vector<ClipRecord>& clips,
-                                const TitleSettings& settings, int descriptor, LineSink& out);
+                                const TitleSettings& settings, const Destination& to,
+                                LineSink& out);
 
 }  // namespace quillory

@@ -39,13 +39,14 @@ bool is_file(const xmlNode* element) { return xmlStrEqual(element->name, BAD_CAS
 
 ImportSafeOutput::ImportSafeOutput(const std::vector<ClipRecord>& clips, ImportSafeRun run)
     : run_(std::move(run)) {
-  std::unordered_set<const xmlDoc*> read;
-  for (const auto& clip : clips) {
-    if (!clip.document || !read.insert(clip.document.get()).second) continue;
-    for (xmlNode* file : xml::all_descendants(xml::as_node(clip.document.get()), "file")) {
-      const auto id = xml::attribute(file, "id");
-      if (id && file->children != nullptr) definitions_.emplace(*id, file);
-    }
+  for (const auto& clip : clips) add_definitions(clip.document.get());
+}
+
+void ImportSafeOutput::add_definitions(const xmlDoc* source) {
+  if (source == nullptr || !read_.insert(source).second) return;
+  for (xmlNode* file : xml::all_descendants(xml::as_node(const_cast<xmlDoc*>(source)), "file")) {
+    const auto id = xml::attribute(file, "id");
+    if (id && file->children != nullptr) definitions_.emplace(*id, file);
   }
 }
 
@@ -106,11 +107,12 @@ void ImportSafeOutput::define_files(xmlNode* item) {
   }
 }
 
-// Checks every element, files aside, against the ids written before: a file reference is
-// meant to repeat its definition's id.
+// Checks every element, files and references aside, against the ids written before: a file
+// reference, or an empty element such as <sequence id="s"/> for a nested sequence met before,
+// is meant to repeat its definition's id.
 void ImportSafeOutput::check_ids(xmlNode* item) {
   const auto check = [this](xmlNode* element) {
-    if (!is_file(element) && xmlHasProp(element, BAD_CAST "id")) {
+    if (!is_file(element) && element->children != nullptr && xmlHasProp(element, BAD_CAST "id")) {
       note_id(*xml::attribute(element, "id"), describe(element));
     }
   };

@@ -25,6 +25,8 @@ struct ImportSafeRun {
 class ImportSafeOutput {
  public:
   ImportSafeOutput(const std::vector<ClipRecord>& clips, ImportSafeRun run);
+  // The full <file> definitions of `source` are copied where the output refers to one first.
+  void add_definitions(const xmlDoc* source);
 
   // The sequence's duration and UUID; `outline` (the document before any item is added) is
   // what every later id is checked against first.
@@ -49,6 +51,7 @@ class ImportSafeOutput {
   void note_id(const std::string& id, const std::string& who);
 
   ImportSafeRun run_;
+  std::unordered_set<const xmlDoc*> read_;                        // the sources of definitions_
   std::unordered_map<std::string, const xmlNode*> definitions_;  // the source's, first per id
   std::unordered_set<std::string> defined_;                      // ids the output has defined
   std::unordered_map<std::string, std::string> first_with_id_;   // id: who carried it first

@@ -182,4 +182,17 @@ std::string TitlePrototype::Text::join(const Fields& fields) const {
   return text;
 }
 
+const TitleTemplate& choose_template(const std::vector<TitleTemplate>& templates,
+                                     const std::optional<std::string>& name) {
+  if (templates.empty()) {
+    fail("no source document is open: open an xmeml export before creating titles");
+  }
+  if (name) {
+    for (const auto& candidate : templates) {
+      if (candidate.name == *name) return candidate;
+    }
+  }
+  return templates.front();
+}
+
 }  // namespace quillory

@@ -3,6 +3,7 @@
 // blanks, and the title of each clip made from that copy.
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,11 @@
 #include "xml/xml_handles.h"
 
 namespace quillory {
+
+// The template named `name`, the first of that name; none, or a name no template has: the
+// first template. Throws when there is no template at all (no document is open).
+const TitleTemplate& choose_template(const std::vector<TitleTemplate>& templates,
+                                     const std::optional<std::string>& name);
 
 class TitlePrototype {
  public:
