@@ -134,7 +134,9 @@ Form form_from_options(const Options& options) {
   form.sourcePopup = options.sequence;
   form.templatePopup = options.template_name;
   form.ratePopup = options.rate;
-  form.nameField = options.name.value_or(sequence_name_for(options.source));
+  // A new sequence is named after the source; a copied one keeps its own name.
+  form.nameField = options.name.value_or(options.sequence ? *options.sequence
+                                                          : sequence_name_for(options.source));
   for (std::size_t i = 0; i < form.lines.size(); ++i) {
     form.lines[i].label = options.labels[i];
     form.lines[i].choice =

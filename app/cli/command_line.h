@@ -44,7 +44,7 @@ std::string unknown_value_message(const std::string& kind, const std::string& va
 void add_options(CLI::App& app, Options& options);
 
 // The form the options fill in, the way a user fills in the window's controls; without
-// --name the sequence is named after the source file.
+// --name the sequence is named after the source file, or the sequence titled.
 Form form_from_options(const Options& options);
 
 }  // namespace quillory::cli
