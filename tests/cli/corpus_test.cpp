@@ -10,9 +10,14 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <unordered_map>
+
+#include <libxml/xpath.h>
 
 #include "import_view.h"
 #include "test_support.h"
+#include "xml/read_xml.h"
+#include "xml/xml_nodes.h"
 
 namespace quillory {
 namespace {
@@ -93,6 +98,150 @@ TEST(Corpus, EveryRealExportOpensAndExportsOrIsRefusedClearly) {
     }
   }
   EXPECT_EQ(seen, outcomes.size());
+}
+
+// The picture seen at each frame of a sequence, read the slow way, frame by frame: the enabled
+// clip item of the highest enabled video track that covers the frame, generated media
+// (a file with a <mediaSource>) aside. An item's bound of -1 lies at the cut point of the
+// transition beside it.
+class FrameByFrame {
+ public:
+  FrameByFrame(const xmlNode* sequence, const xml::Document& doc) {
+    for (const xmlNode* file : matches(doc, "//file[@id][*]")) {
+      files_.emplace(*xml::attribute(file, "id"), file);
+    }
+    for (const xmlNode* track : xml::elements_at(sequence, {"media", "video", "track"})) {
+      auto& items = tracks_.emplace_back();
+      if (text(track, "enabled") == "FALSE") continue;
+      for (const xmlNode* item = track->children; item != nullptr; item = item->next) {
+        if (!is(item, "clipitem") || text(item, "enabled") == "FALSE" || generated(item)) continue;
+        const long long start = bound(item, "start", false), end = bound(item, "end", true);
+        items.push_back({start, end, item});
+        last_ = std::max(last_, end);
+      }
+    }
+  }
+
+  // The runs of frames over which one item is seen, "start-end" each.
+  std::string runs() const {
+    std::string text;
+    const xmlNode* seen = nullptr;
+    long long since = 0;
+    for (long long frame = 0; frame <= last_; ++frame) {
+      const xmlNode* now = at(frame);
+      if (now == seen) continue;
+      if (seen != nullptr) text += std::to_string(since) + "-" + std::to_string(frame) + "|";
+      seen = now;
+      since = frame;
+    }
+    return text;
+  }
+
+ private:
+  struct Span {
+    long long start, end;
+    const xmlNode* item;
+  };
+  static bool is(const xmlNode* node, const char* name) {
+    return node->type == XML_ELEMENT_NODE && xmlStrEqual(node->name, BAD_CAST name);
+  }
+  static std::string text(const xmlNode* node, const char* child) {
+    return std::string(xml::trim_blanks(xml::text_content(xml::first_child_element(node, child))));
+  }
+  static std::vector<const xmlNode*> matches(const xml::Document& doc, const char* path) {
+    xml::XPathContext context(xmlXPathNewContext(doc.get()));
+    xml::XPathObject found(xmlXPathEvalExpression(BAD_CAST path, context.get()));
+    std::vector<const xmlNode*> nodes;
+    for (int i = 0; found && found->nodesetval != nullptr && i < found->nodesetval->nodeNr; ++i) {
+      nodes.push_back(found->nodesetval->nodeTab[i]);
+    }
+    return nodes;
+  }
+  bool generated(const xmlNode* item) const {
+    const xmlNode* file = xml::first_child_element(item, "file");
+    if (file != nullptr && file->children == nullptr) {
+      const auto found = files_.find(xml::attribute(file, "id").value_or(""));
+      file = found == files_.end() ? nullptr : found->second;
+    }
+    return file != nullptr && xml::first_descendant(file, "mediaSource") != nullptr;
+  }
+  static long long bound(const xmlNode* item, const char* which, bool after) {
+    const long long value = xml::leading_integer(text(item, which));
+    if (value != -1) return value;
+    const xmlNode* next = after ? item->next : item->prev;
+    while (next != nullptr && next->type != XML_ELEMENT_NODE) next = after ? next->next : next->prev;
+    if (next == nullptr || !is(next, "transitionitem")) return -1;
+    const long long start = xml::leading_integer(text(next, "start"));
+    const long long end = xml::leading_integer(text(next, "end"));
+    const std::string alignment = text(next, "alignment");
+    if (alignment.rfind("start", 0) == 0) return start;
+    if (alignment.rfind("end", 0) == 0) return end;
+    return (start + end) / 2;
+  }
+  const xmlNode* at(long long frame) const {
+    for (auto track = tracks_.rbegin(); track != tracks_.rend(); ++track) {
+      for (const auto& span : *track) {
+        if (span.start <= frame && frame < span.end) return span.item;
+      }
+    }
+    return nullptr;
+  }
+
+  std::unordered_map<std::string, const xmlNode*> files_;
+  std::vector<std::vector<Span>> tracks_;
+  long long last_ = 0;
+};
+
+// Each track's items, as "name start end in out" in order.
+std::string items_of(const xml::Document& doc, const std::string& tracks, std::size_t track) {
+  const std::string path = tracks + "[" + std::to_string(track) + "]/*[self::clipitem or "
+                           "self::transitionitem or self::generatoritem]/*[self::name or "
+                           "self::start or self::end or self::in or self::out]";
+  return test::texts(doc, path.c_str());
+}
+
+// Every sequence export: its first top-level sequence titled shot by shot. The copy holds the
+// source's tracks item for item, and one more video track whose titles lie over the runs of
+// frames that a frame-by-frame reading sees, one title per run.
+TEST(Corpus, EverySequenceIsCopiedWithOneTitlePerShot) {
+  if (!fs::is_directory(QUILLORY_CORPUS_DIR)) GTEST_SKIP() << "no corpus beside the project";
+  const char* first = "(//sequence[not(ancestor::clipitem)])[1]";
+  for (const auto& entry : fs::directory_iterator(QUILLORY_CORPUS_DIR)) {
+    const xml::Document source =
+        xml::read_xml(test::read_file(entry.path()), "source", XML_PARSE_RECOVER).document;
+    if (!source || test::texts(source, "count(//sequence[not(ancestor::clipitem)])") == "0|") continue;
+    SCOPED_TRACE(entry.path().filename().string());
+    std::string name = test::texts(source, (std::string(first) + "/name").c_str());
+    name = name.empty() ? "Sequence 1" : name.substr(0, name.size() - 1);
+    test::TempDir dir;
+    const auto result = test::run_command(
+        {QUILLORY_BINARY, "--quiet", "--tolerant", "--tcr", "--sequence", name, "--output",
+         dir.file("out.xml"), entry.path().string()},
+        {"XDG_DATA_HOME=" + dir.path().string()});
+    ASSERT_EQ(result.exit_code, 0) << result.err;
+    const xml::Document out = test::parse(test::read_file(dir.file("out.xml")));
+    const std::string from = first, to = "/xmeml/sequence";
+    const std::size_t videos = std::stoul(test::texts(source, ("count(" + from + "/media/video/track)").c_str()));
+    const std::size_t audios = std::stoul(test::texts(source, ("count(" + from + "/media/audio/track)").c_str()));
+    EXPECT_EQ(test::texts(out, "count(/xmeml/sequence/media/video/track)"), std::to_string(videos + 1) + "|");
+    for (std::size_t track = 1; track <= videos; ++track) {
+      EXPECT_EQ(items_of(out, to + "/media/video/track", track), items_of(source, from + "/media/video/track", track));
+    }
+    for (std::size_t track = 1; track <= audios; ++track) {
+      EXPECT_EQ(items_of(out, to + "/media/audio/track", track), items_of(source, from + "/media/audio/track", track));
+    }
+    std::string titles;
+    xml::XPathContext context(xmlXPathNewContext(out.get()));
+    xml::XPathObject found(xmlXPathEvalExpression(BAD_CAST "/xmeml/sequence/media/video/track[last()]/generatoritem", context.get()));
+    for (int i = 0; found->nodesetval != nullptr && i < found->nodesetval->nodeNr; ++i) {
+      const xmlNode* title = found->nodesetval->nodeTab[i];
+      titles += xml::text_content(xml::first_child_element(title, "start")) + "-" +
+                xml::text_content(xml::first_child_element(title, "end")) + "|";
+    }
+    xml::XPathContext in_source(xmlXPathNewContext(source.get()));
+    xml::XPathObject sequence(xmlXPathEvalExpression(BAD_CAST first, in_source.get()));
+    EXPECT_EQ(titles, FrameByFrame(sequence->nodesetval->nodeTab[0], source).runs());
+  }
 }
 
 }  // namespace
