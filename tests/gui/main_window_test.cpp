@@ -245,6 +245,27 @@ class MainWindowTest : public QObject {
     QVERIFY(canCreate());
   }
 
+  // "Source:" offers the document's sequences; one chosen, the preview lists its shots where
+  // they start, the rate is the sequence's own, and another document starts from the master
+  // clips again.
+  void sourcePopupTitlesTheShotsOfASequence() {
+    const QString edit = QStringLiteral(QUILLORY_CASES "/sequence_track_two_over_track_one_titles_it_twice/input.xml");
+    QVERIFY(window_->openDocument(edit));
+    auto* sources = control<QComboBox>("sourcePopup");
+    QCOMPARE(sources->count(), 2);
+    sources->setCurrentIndex(1);
+    auto* shots = control<QComboBox>("previewClip");
+    QCOMPARE(shots->count(), 4);
+    QCOMPARE(shots->itemText(2), QStringLiteral("3. A at 00:00:02:10"));
+    QVERIFY(!control<QComboBox>("ratePopup")->isEnabled());
+    QCOMPARE(control<QLineEdit>("nameField")->text(), QStringLiteral("Over"));
+    QVERIFY(window_->createTitles());
+    QCOMPARE(read_all(window_->outputPath()).count("<generatoritem id=\"Quillory Card "), 4);
+    QVERIFY(window_->openDocument(kExample));
+    QCOMPARE(sources->currentText(), QStringLiteral("Master Clips"));
+    QVERIFY(control<QComboBox>("ratePopup")->isEnabled());
+  }
+
   void settingsSurviveANewWindow() {
     setLines({"One", "", "  three", "Four & more", "Fünf"},
              {" ", "Text", "Shot/Take", "Date (13/3/2010), Time", "Scene"});
