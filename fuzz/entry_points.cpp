@@ -9,6 +9,7 @@
 #include "source/parse_xml_file.h"
 #include "titles/create_fcp_xml.h"
 #include "titles/sequence_templates.h"
+#include "titles/titles_over_sequence.h"
 
 namespace quillory::fuzz {
 namespace {
@@ -25,10 +26,12 @@ const TitleTemplate& built_in() {
   return title;
 }
 
-OpenedSource opened(const std::string& bytes, bool tolerant) {
+OpenedSource opened(const std::string& bytes, bool tolerant,
+                    const std::optional<std::string>& sequence = {}) {
   NullSink out;
   try {
-    return read_loaded_source(parse_xml_bytes(bytes, kName, out), built_in(), tolerant, out);
+    return read_loaded_source(parse_xml_bytes(bytes, kName, out), built_in(), tolerant, out,
+                              sequence);
   } catch (const std::exception&) {
     return {};
   }
@@ -77,13 +80,22 @@ void create(const std::uint8_t* data, std::size_t size) {
                                    ? std::optional<std::string>(CHOICE_TITLES[choice])
                                    : std::nullopt;
   }
-  const OpenedSource source = opened(text(data + kSettings, size - kSettings), settings.tolerant);
+  const std::string bytes = text(data + kSettings, size - kSettings);
+  OpenedSource source = opened(bytes, settings.tolerant);
+  // The shots of the first top-level sequence, where there is one, instead of master clips.
+  const bool over_sequence = (data[0] & 8) != 0 && !source.sequences.empty();
+  if (over_sequence) source = opened(bytes, settings.tolerant, source.sequences.front().name);
   if (source.status != OpenStatus::Opened) return;
   settings.template_name = source.templates[data[1] % source.templates.size()].name;
   settings.sequence_name = "fuzz";
   NullSink out;
   try {
-    create_fcp_xml(source.templates, source.clips, settings, output_path(), out);
+    if (over_sequence) {
+      create_titles_over_sequence(source.templates, source.clips, source.sequence, settings,
+                                  output_path(), out);
+    } else {
+      create_fcp_xml(source.templates, source.clips, settings, output_path(), out);
+    }
   } catch (const std::exception&) {
   }
 }
