@@ -109,6 +109,8 @@ FormPanel::FormPanel(QWidget* parent)
     connect(menu, &QComboBox::currentIndexChanged, this, &FormPanel::linesChanged);
   }
   grid->setColumnStretch(1, 1);
+  // Another template draws the title another way.
+  connect(template_menu_, &QComboBox::currentIndexChanged, this, &FormPanel::linesChanged);
   timecode_reader_->setObjectName(QStringLiteral("tcrCheckbox"));
   grid->addWidget(timecode_reader_, 6, 1, 1, 2);
   import_safe_->setObjectName(QStringLiteral("importSafeCheckbox"));

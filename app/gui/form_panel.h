@@ -39,7 +39,7 @@ class FormPanel : public QWidget {
   QList<QWidget*> controls() const;
 
  Q_SIGNALS:
-  // A label or a line's choice changed: the title text may read differently.
+  // A label, a line's choice or the template changed: the title may read or look differently.
   void linesChanged();
 
  private:

@@ -65,6 +65,16 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
   connect(form_, &FormPanel::linesChanged, this, [this] {
     if (!busy_) preview_->refresh();
   });
+  connect(preview_, &TitlePreview::fitChanged, this, [this](const QString& message) {
+    if (!message.isEmpty()) statusBar()->showMessage(message);
+  });
+  connect(preview_, &TitlePreview::clipsChecked, this, [this](const QStringList& unfit) {
+    std::vector<std::string> lines;
+    for (const auto& clip : unfit) lines.push_back(tr("outside title-safe: %1").arg(clip).toStdString());
+    log_->showWarnings(lines);
+    statusBar()->showMessage(unfit.isEmpty() ? tr("Every title fits inside the title-safe area.")
+                                             : tr("%n clip(s) have lines outside the title-safe area.", "", unfit.size()));
+  });
   connect(document_->openButton(), &QPushButton::clicked, this, &MainWindow::chooseDocument);
   connect(create_button_, &QPushButton::clicked, this, &MainWindow::createTitles);
   // How a document is read changes what it gives: read the open one again.

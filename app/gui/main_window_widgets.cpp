@@ -30,8 +30,13 @@ void MainWindow::buildWidgets() {
   document_ = new DocumentBar(central);
   form_ = new FormPanel(central);
   auto* preview_box = new QGroupBox(tr("Preview"), central);
-  preview_ = new TitlePreview([this] { return controller_.title_settings(form()).lines; },
-                              preview_box);
+  preview_ = new TitlePreview(
+      [this] {
+        const Form values = form();
+        return PreviewSetup{controller_.title_settings(values).lines,
+                            controller_.title_style(values), controller_.frame_size()};
+      },
+      preview_box);
   (new QVBoxLayout(preview_box))->addWidget(preview_);
   auto* columns = new QHBoxLayout;
   columns->addWidget(form_, 3);

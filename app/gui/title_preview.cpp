@@ -2,46 +2,64 @@
 
 #include <QComboBox>
 #include <QFormLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
 
 #include "source/timecode.h"
-
+#include "title_canvas.h"
 
 namespace quillory::gui {
+namespace {
 
-TitlePreview::TitlePreview(std::function<LineSettings()> lines, QWidget* parent)
+QString numbers(const QList<int>& lines) {
+  QStringList text;
+  for (int line : lines) text << QString::number(line);
+  return text.join(QStringLiteral(", "));
+}
+
+}  // namespace
+
+TitlePreview::TitlePreview(std::function<PreviewSetup()> setup, QWidget* parent)
     : QWidget(parent),
-      lines_(std::move(lines)),
+      setup_(std::move(setup)),
       clip_menu_(new QComboBox(this)),
-      view_(new QPlainTextEdit(this)) {
+      canvas_(new TitleCanvas(this)),
+      view_(new QPlainTextEdit(this)),
+      check_(new QPushButton(tr("Check all clips"), this)) {
   clip_menu_->setObjectName(QStringLiteral("previewClip"));
   clip_menu_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   clip_menu_->setMinimumContentsLength(12);
   clip_menu_->setMaxVisibleItems(20);
+  canvas_->setFocusPolicy(Qt::StrongFocus);
+  canvas_->setAccessibleName(tr("Title as drawn; arrow keys choose the clip"));
 
   view_->setObjectName(QStringLiteral("previewText"));
   view_->setReadOnly(true);
   view_->setAcceptDrops(false);
   view_->setLineWrapMode(QPlainTextEdit::NoWrap);
   view_->setPlaceholderText(tr("Open a document to see its titles here."));
-  view_->setMinimumHeight(view_->fontMetrics().lineSpacing() * 7);
-  // Read-only: tabbing into it would only trap the keyboard.
+  view_->setMaximumHeight(view_->fontMetrics().lineSpacing() * 6);
   view_->setFocusPolicy(Qt::ClickFocus);
+  check_->setObjectName(QStringLiteral("checkAllClips"));
+  check_->setToolTip(tr("List every clip whose title has a line outside the title-safe area"));
 
   auto* clip_label = new QLabel(tr("Cli&p:"), this);
   clip_label->setBuddy(clip_menu_);
   auto* chooser = new QFormLayout;
   chooser->addRow(clip_label, clip_menu_);
-
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addLayout(chooser);
-  layout->addWidget(view_, 1);
+  layout->addWidget(canvas_, 1);
+  layout->addWidget(view_);
+  layout->addWidget(check_, 0, Qt::AlignLeft);
 
   connect(clip_menu_, &QComboBox::currentIndexChanged, this, &TitlePreview::refresh);
+  connect(check_, &QPushButton::clicked, this, [this] { Q_EMIT clipsChecked(checkAllClips()); });
   setClips(nullptr);
 }
 
@@ -67,21 +85,68 @@ void TitlePreview::setClips(const std::vector<ClipRecord>* clips, int timebase) 
     if (!names.isEmpty()) clip_menu_->setCurrentIndex(std::min<int>(previous, names.size() - 1));
   }
   clip_menu_->setEnabled(!names.isEmpty());
+  check_->setEnabled(!names.isEmpty());
   refresh();
+}
+
+QStringList TitlePreview::lines_of(const std::string& title) {
+  QStringList lines = QString::fromStdString(title).split(QLatin1Char('\r'));
+  if (!lines.isEmpty() && lines.back().isEmpty()) lines.removeLast();  // the last line's end
+  return lines;
 }
 
 void TitlePreview::refresh() {
   const int index = clip_menu_->currentIndex();
+  const PreviewSetup setup = setup_();
+  canvas_->setStyle(setup.style, setup.frame);
   if (clips_ == nullptr || index < 0 || static_cast<std::size_t>(index) >= clips_->size()) {
     view_->clear();
+    canvas_->setLines({});
     return;
   }
   const ClipRecord& clip = (*clips_)[static_cast<std::size_t>(index)];
-  view_->setPlainText(QString::fromStdString(preview_title_text(clip, lines_())));
+  view_->setPlainText(QString::fromStdString(preview_title_text(clip, setup.lines)));
+  canvas_->setLines(lines_of(compose_title_text(clip, setup.lines)));
+  const QList<int> outside = canvas_->linesOutside();
+  Q_EMIT fitChanged(outside.isEmpty()
+                        ? QString()
+                        : tr("Clip %1: line %2 runs outside the title-safe area.")
+                              .arg(index + 1)
+                              .arg(numbers(outside)));
 }
 
-QString TitlePreview::text() const {
-  return view_->toPlainText();
+QStringList TitlePreview::checkAllClips() {
+  QStringList unfit;
+  if (clips_ == nullptr) return unfit;
+  const PreviewSetup setup = setup_();
+  canvas_->setStyle(setup.style, setup.frame);
+  for (std::size_t i = 0; i < clips_->size(); ++i) {
+    const TitleLayout placed = canvas_->layout(lines_of(compose_title_text((*clips_)[i], setup.lines)));
+    QList<int> outside;
+    for (qsizetype line = 0; line < placed.outside.size(); ++line) {
+      if (placed.outside[line]) outside << static_cast<int>(line + 1);
+    }
+    if (!outside.isEmpty()) {
+      unfit << tr("%1: line %2").arg(clip_menu_->itemText(static_cast<int>(i)), numbers(outside));
+    }
+  }
+  return unfit;
 }
+
+void TitlePreview::keyPressEvent(QKeyEvent* event) {
+  const int count = clip_menu_->count();
+  int step = 0;
+  switch (event->key()) {
+    case Qt::Key_Left: case Qt::Key_Up: step = -1; break;
+    case Qt::Key_Right: case Qt::Key_Down: step = 1; break;
+    case Qt::Key_PageUp: step = -10; break;
+    case Qt::Key_PageDown: step = 10; break;
+    default: return QWidget::keyPressEvent(event);
+  }
+  if (count > 0) clip_menu_->setCurrentIndex(std::clamp(clip_menu_->currentIndex() + step, 0, count - 1));
+  event->accept();
+}
+
+QString TitlePreview::text() const { return view_->toPlainText(); }
 
 }  // namespace quillory::gui

@@ -7,6 +7,7 @@
 #include "titles/replace_file.h"
 #include "titles/titles_over_sequence.h"
 #include "titles/sequence_templates.h"
+#include "titles/title_prototype.h"
 #include "xml/failure.h"
 
 namespace quillory {
@@ -108,6 +109,11 @@ std::optional<std::string> Controller::template_used(
                                                [&](const auto& t) { return t.name == *selected; });
   if (offered) return selected;
   return templates.empty() ? std::nullopt : std::optional<std::string>(templates.front().name);
+}
+
+TitleStyle Controller::title_style(const Form& form) const {
+  if (source_.templates.empty()) return read_title_style(built_in_template());
+  return read_title_style(choose_template(source_.templates, template_used(form.templatePopup)));
 }
 
 AssumptionReport Controller::opening_report() const {

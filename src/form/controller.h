@@ -13,6 +13,7 @@
 #include "startup/startup.h"
 #include "titles/destination.h"
 #include "titles/title_settings.h"
+#include "titles/title_style.h"
 #include "xml/line_sink.h"
 
 namespace quillory {
@@ -62,6 +63,10 @@ class Controller {
   std::vector<std::string> rate_choices() const;
   // The rate a run takes when the form names none: the document's first.
   std::string default_rate() const;
+
+  // How the template the form chooses draws its text, and the frame of the clips' media.
+  TitleStyle title_style(const Form& form) const;
+  FrameSize frame_size() const { return quillory::frame_size(source_.clips); }
 
   // What tolerant reading assumed while opening.
   AssumptionReport opening_report() const;
