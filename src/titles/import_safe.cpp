@@ -53,9 +53,11 @@ void ImportSafeOutput::add_definitions(const xmlDoc* source) {
 void ImportSafeOutput::prepare_sequence(xmlNode* sequence, xmlNode* outline) {
   xml::set_child_text(sequence, "duration", std::to_string(run_.duration));
   xml::set_child_text(sequence, "uuid", name_uuid(uuid_name(run_, "sequence")));
-  xmlNode* rate = xml::first_child_element(sequence, "rate");
-  ntsc_ = xml::text_content(xml::first_child_element(rate, "ntsc"));
-  timebase_ = xml::text_content(xml::first_child_element(rate, "timebase"));
+  // A copied sequence may have no rate (tolerant reading keeps it as written).
+  if (xmlNode* rate = xml::first_child_element(sequence, "rate")) {
+    ntsc_ = xml::text_content(xml::first_child_element(rate, "ntsc"));
+    timebase_ = xml::text_content(xml::first_child_element(rate, "timebase"));
+  }
   check_ids(outline);
 }
 
