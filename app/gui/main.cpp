@@ -33,6 +33,9 @@ int main(int argc, char** argv) {
   if (arguments.size() > 1) window.openDocument(arguments.at(1));
   // scripts/screenshot draws the README's picture of the window this way.
   const QString picture = qEnvironmentVariable("QUILLORY_GUI_SCREENSHOT");
-  if (!picture.isEmpty()) return window.grab().save(picture) ? 0 : 1;
+  if (!picture.isEmpty()) {
+    window.resize(1000, 700);
+    return window.grab().save(picture) ? 0 : 1;
+  }
   return QApplication::exec();
 }

@@ -6,10 +6,13 @@
 #include <QComboBox>
 #include <QDir>
 #include <QDragEnterEvent>
+#include <QEventLoop>
 #include <QDropEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFutureWatcher>
+#include <QtConcurrent/QtConcurrentRun>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QMenuBar>
@@ -89,6 +92,20 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
 
 MainWindow::~MainWindow() = default;
 
+// The window stays drawn and answers (Cancel, above all) while the work runs; its form is locked
+// until the work is done.
+template <typename Work>
+auto MainWindow::offThread(const QString& message, Work work) {
+  const BusyScope busy(*centralWidget(), *statusBar(), *progress_,
+                       [this](bool busy) { busy_ = busy, updateActions(); }, message);
+  QFutureWatcher<decltype(work())> watcher;
+  QEventLoop until_done;
+  connect(&watcher, &QFutureWatcherBase::finished, &until_done, &QEventLoop::quit);
+  watcher.setFuture(QtConcurrent::run(std::move(work)));
+  until_done.exec();
+  return watcher.result();
+}
+
 void MainWindow::restoreSettings() {
   const FormSettings values = load_form_settings(QSettings());
   form_->restore(values);
@@ -125,11 +142,11 @@ bool MainWindow::openDocument(const QString& path) {
   const QString name = QFileInfo(path).fileName();
   // A sequence chosen in one document means nothing in another.
   if (path != source_path_) form_->chooseMasterClips();
-  OpenOutcome opened;
-  {
-    const BusyScope busy = busyWith(tr("Opening %1…").arg(name));
-    opened = controller_.get_info_from_clips(local_path(path), form(), *progress_);
-  }
+  preview_->setClips(nullptr);  // the clips it shows go with the open that replaces them
+  const OpenOutcome opened = offThread(tr("Opening %1…").arg(name), [this, file = local_path(path),
+                                                                      values = form()] {
+    return controller_.get_info_from_clips(file, values, *progress_);
+  });
   const QString error = QString::fromStdString(opened.error);
   switch (opened.status) {
     case OpenStatus::Unreadable:
@@ -180,17 +197,32 @@ Form MainWindow::form() const {
 
 bool MainWindow::createTitles() {
   if (busy_ || !controller_.can_create()) return false;
-  QString error;
-  AssumptionReport report;
-  {
-    const BusyScope busy = busyWith(tr("Creating titles…"));
+  struct Outcome {
+    AssumptionReport report;
+    QString error;
+    bool cancelled = false;
+  };
+  cancel_button_->show();
+  const Outcome done = offThread(tr("Creating titles…"), [this, values = form(),
+                                                         hint = document_->tolerantHint(),
+                                                         source = local_path(source_path_)] {
+    Outcome outcome;
     try {
-      report = controller_.create_fcp_xml(form(), *progress_);
+      outcome.report = controller_.create_fcp_xml(values, *progress_);
+    } catch (const Cancelled&) {
+      outcome.cancelled = true;
     } catch (const IncompleteInput& failure) {
-      error = QString::fromStdString(failure.what()) + document_->tolerantHint();
+      outcome.error = QString::fromStdString(failure.what()) + hint;
     } catch (const std::exception& failure) {
-      error = QString::fromStdString(failure_message(failure, local_path(source_path_)));
+      outcome.error = QString::fromStdString(failure_message(failure, source));
     }
+    return outcome;
+  });
+  cancel_button_->hide();
+  const QString& error = done.error;
+  if (done.cancelled) {
+    statusBar()->showMessage(tr("Cancelled: no titles were written; the previous file is unchanged."));
+    return false;
   }
   if (!error.isEmpty()) {
     statusBar()->showMessage(tr("No titles were written; the previous file is unchanged."));
@@ -198,7 +230,7 @@ bool MainWindow::createTitles() {
     return false;
   }
   output_->showWritten();
-  showReport(report, tr("Wrote %1 titles to %2.")
+  showReport(done.report, tr("Wrote %1 titles to %2.")
                          .arg(controller_.source().clips.size())
                          .arg(outputPath()));
   return true;
@@ -221,11 +253,6 @@ bool MainWindow::saveOutputCopyTo(const QString& target) {
   if (!output_->saveCopyTo(target)) return false;
   statusBar()->showMessage(tr("Saved a copy to %1.").arg(target));
   return true;
-}
-
-BusyScope MainWindow::busyWith(const QString& message) {
-  return BusyScope(*centralWidget(), *statusBar(), *progress_,
-                   [this](bool busy) { busy_ = busy, updateActions(); }, message);
 }
 
 void MainWindow::updateActions() {

@@ -1,7 +1,8 @@
 #pragma once
 // The Quillory window: the document it shows, the form panel, the preview, and the two
 // actions, opening a source document and creating titles, each calling the core once.
-// Operations run on this thread; while one runs, the form is locked.
+// Operations run on a worker thread; while one runs, the form is locked and Cancel stops a
+// run of Create Titles.
 
 #include <QMainWindow>
 #include <memory>
@@ -57,8 +58,9 @@ class MainWindow : public QMainWindow {
   void showDocument(const QString& path);
   QString suggestedCopy() const;
   void updateActions();
-  // Locks the form while one operation runs.
-  BusyScope busyWith(const QString& message);
+  // Runs `work` on a worker thread and returns what it returns.
+  template <typename Work>
+  auto offThread(const QString& message, Work work);
   void showReport(const AssumptionReport& report, const QString& status);
   // Holds what the last open that got past the xmeml check read.
   Controller controller_;
@@ -67,6 +69,7 @@ class MainWindow : public QMainWindow {
   FormPanel* form_ = nullptr;
   DocumentBar* document_ = nullptr;
   QPushButton* create_button_ = nullptr;
+  QPushButton* cancel_button_ = nullptr;  // stops a run of Create Titles at its next clip
   OutputBar* output_ = nullptr;
   TitlePreview* preview_ = nullptr;
   LogPane* log_ = nullptr;

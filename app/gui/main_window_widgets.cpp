@@ -67,6 +67,13 @@ void MainWindow::buildWidgets() {
   bar->hide();
   statusBar()->addPermanentWidget(bar);
   progress_ = std::make_unique<OperationProgress>(*log_, *bar);
+  cancel_button_ = new QPushButton(tr("Cancel"), this);
+  cancel_button_->setObjectName(QStringLiteral("cancelButton"));
+  cancel_button_->setToolTip(tr("Stop creating titles; the previous file stays as it was (Esc)"));
+  cancel_button_->setShortcut(QKeySequence::Cancel);
+  cancel_button_->hide();
+  statusBar()->addPermanentWidget(cancel_button_);
+  connect(cancel_button_, &QPushButton::clicked, this, [this] { progress_->cancel(); });
 }
 
 void MainWindow::buildMenus() {

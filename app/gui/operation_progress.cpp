@@ -1,6 +1,6 @@
 #include "operation_progress.h"
 
-#include <QCoreApplication>
+#include <QMutexLocker>
 #include <QProgressBar>
 #include <climits>
 #include <iostream>
@@ -9,46 +9,57 @@
 
 namespace quillory::gui {
 namespace {
-// How long an operation may keep the window from repainting.
-constexpr int kEventIntervalMs = 50;
+// How often the window shows what the run has done.
+constexpr int kShowIntervalMs = 50;
 }  // namespace
 
+OperationProgress::OperationProgress(LogPane& log, QProgressBar& bar, QObject* parent)
+    : QObject(parent), log_(log), bar_(bar) {
+  timer_.setInterval(kShowIntervalMs);
+  connect(&timer_, &QTimer::timeout, this, &OperationProgress::show);
+}
+
 void OperationProgress::start() {
-  running_ = true;
+  cancelled_ = false;
+  value_ = 0;
+  maximum_ = 0;
   bar_.setRange(0, 0);
   bar_.show();
-  // Loading a document starts with one long parse that lets no events through, so the busy
-  // state is drawn now, before the work starts.
-  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-  since_events_.start();
+  timer_.start();
 }
 
 void OperationProgress::finish() {
-  running_ = false;
-  log_.flush();
+  timer_.stop();
+  show();
   bar_.hide();
 }
 
 void OperationProgress::line(std::string_view text) {
   std::cout << text << '\n' << std::flush;
-  log_.append(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
-  let_events_through();
+  const QMutexLocker lock(&mutex_);
+  pending_ << QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 void OperationProgress::progress(std::string_view stage, std::size_t done, std::size_t total) {
-  if (!running_ || total == 0 || total > static_cast<std::size_t>(INT_MAX / 2)) return;
+  if (cancelled_) throw Cancelled();
+  if (total == 0 || total > static_cast<std::size_t>(INT_MAX / 2)) return;
   const int whole = static_cast<int>(total);
-  bar_.setRange(0, 2 * whole);
-  bar_.setValue((stage == "writing" ? whole : 0) + static_cast<int>(done));
-  let_events_through();
+  maximum_ = 2 * whole;
+  value_ = (stage == "writing" ? whole : 0) + static_cast<int>(done);
 }
 
-bool OperationProgress::let_events_through() {
-  if (!running_ || since_events_.elapsed() < kEventIntervalMs) return false;
+void OperationProgress::show() {
+  QStringList lines;
+  {
+    const QMutexLocker lock(&mutex_);
+    lines.swap(pending_);
+  }
+  for (const auto& line : lines) log_.append(line);
   log_.flush();
-  QCoreApplication::processEvents();
-  since_events_.restart();
-  return true;
+  if (maximum_ > 0) {
+    bar_.setRange(0, maximum_);
+    bar_.setValue(value_);
+  }
 }
 
 }  // namespace quillory::gui

@@ -6,7 +6,10 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QTimer>
 #include <QDropEvent>
 #include <QFile>
 #include <QLabel>
@@ -26,6 +29,7 @@
 
 #include "command_line.h"
 #include "log_pane.h"
+#include "title_canvas.h"
 #include "title_preview.h"
 
 using quillory::gui::MainWindow;
@@ -264,6 +268,90 @@ class MainWindowTest : public QObject {
     QVERIFY(window_->openDocument(kExample));
     QCOMPARE(sources->currentText(), QStringLiteral("Master Clips"));
     QVERIFY(control<QComboBox>("ratePopup")->isEnabled());
+  }
+
+  // The drawn title: where its text falls for the template's origin and alignment, which
+  // lines run outside title-safe, and the frame's aspect.
+  void canvasDrawsWhereTheTemplateSays_data() {
+    QTest::addColumn<double>("origin_y");
+    QTest::addColumn<int>("alignment");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("outside");
+    const QString long_name = QString(QLatin1Char('W')).repeated(160) + QStringLiteral(".mov");
+    QTest::newRow("centred") << 0.0 << int(quillory::TextAlignment::Centre) << 1920 << 1080 << "A001C003" << "";
+    QTest::newRow("lower third, left") << 0.2 << int(quillory::TextAlignment::Left) << 1920 << 1080 << "A001C003" << "";
+    QTest::newRow("PAL frame, right") << -0.2 << int(quillory::TextAlignment::Right) << 720 << 576 << "A001C003" << "";
+    QTest::newRow("a long file name") << 0.0 << int(quillory::TextAlignment::Centre) << 1920 << 1080 << long_name << "1";
+  }
+  void canvasDrawsWhereTheTemplateSays() {
+    QFETCH(double, origin_y);
+    QFETCH(int, alignment);
+    QFETCH(int, width);
+    QFETCH(int, height);
+    QFETCH(QString, first);
+    QFETCH(QString, outside);
+    quillory::TitleStyle style;
+    style.size = height / 10.0;
+    style.colour = {255, 255, 255, 255};
+    style.origin_y = origin_y;
+    style.alignment = static_cast<quillory::TextAlignment>(alignment);
+    quillory::gui::TitleCanvas canvas;
+    canvas.setStyle(style, {width, height});
+    canvas.setLines({first, QStringLiteral("A001")});
+    QStringList numbers;
+    for (int line : canvas.linesOutside()) numbers << QString::number(line);
+    QCOMPARE(numbers.join(QLatin1Char(',')), outside);
+    const QImage image = canvas.render(width / 2);
+    QCOMPARE(image.height(), height / 2);
+    if (!outside.isEmpty()) return;
+    // The white text's bounds, in the image, against the block's place in the frame.
+    QRect text;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) {
+        if (qGray(image.pixel(x, y)) > 200) text |= QRect(x, y, 1, 1);
+      }
+    }
+    QVERIFY(!text.isEmpty());
+    QVERIFY(qAbs(text.center().y() - image.height() * (0.5 + origin_y)) < image.height() / 10);
+    // The lines share the edge their alignment names, and the drawing keeps to them.
+    const auto lines = canvas.layout({first, QStringLiteral("A001")}).lines;
+    const double left = std::min(lines[0].left(), lines[1].left());
+    const double right = std::max(lines[0].right(), lines[1].right());
+    if (alignment == int(quillory::TextAlignment::Left)) QCOMPARE(lines[0].left(), lines[1].left());
+    if (alignment == int(quillory::TextAlignment::Right)) QCOMPARE(lines[0].right(), lines[1].right());
+    if (alignment == int(quillory::TextAlignment::Centre)) QVERIFY(qAbs(lines[1].center().x() - width / 2.0) < 1);
+    QVERIFY(qAbs(text.left() - left / 2) < 6 && qAbs(text.right() - right / 2) < 6);
+  }
+
+  // Cancel during a long run: the previous file byte for byte, and no temporary file.
+  void cancelLeavesThePreviousFile() {
+    QTemporaryDir folder;
+    QByteArray clips;
+    const QByteArray file = "<file id=\"f\"><name>a.mov</name><pathurl>file://localhost/a.mov</pathurl></file>";
+    for (int i = 0; i < 4000; ++i) {
+      const QByteArray name = "C" + QByteArray::number(i);
+      clips += "<clip id=\"" + name + "\"><name>" + name + "</name><duration>25</duration><rate><ntsc>FALSE"
+               "</ntsc><timebase>25</timebase></rate><media><video><track><clipitem id=\"" + name +
+               "-v\"><start>0</start><end>25</end><in>0</in><out>25</out>" + (i == 0 ? file : "<file id=\"f\"/>") +
+               "</clipitem></track></video></media><logginginfo><scene/><shottake/><lognote/></logginginfo></clip>";
+    }
+    const QString source = folder.filePath(QStringLiteral("long.xml"));
+    QVERIFY(write_all(source, "<xmeml>" + clips + "</xmeml>"));
+    QVERIFY(window_->openDocument(source));
+    QVERIFY(write_all(window_->outputPath(), "the previous titles"));
+    auto* cancel = control<QPushButton>("cancelButton");
+    QTimer press;
+    connect(&press, &QTimer::timeout, [cancel] {
+      if (cancel->isVisible()) cancel->click();
+    });
+    press.start(1);
+    QVERIFY(!window_->createTitles());
+    QCOMPARE(read_all(window_->outputPath()), QByteArray("the previous titles"));
+    QCOMPARE(QDir(QFileInfo(window_->outputPath()).path()).entryList(QDir::Files),
+             QStringList{QStringLiteral("Quillory.xml")});
+    QVERIFY(window_->statusBar()->currentMessage().startsWith("Cancelled"));
   }
 
   void settingsSurviveANewWindow() {
