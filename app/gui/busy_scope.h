@@ -1,7 +1,7 @@
 #pragma once
 // Locks a window's form for one operation and gives it back afterwards, whatever way the
-// operation ends. Events still flow (see OperationProgress), so input must not reach the form
-// meanwhile.
+// operation ends. The window's events still flow while the operation runs on its worker
+// thread, so input must not reach the form meanwhile.
 
 #include <QPointer>
 #include <QString>

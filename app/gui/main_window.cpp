@@ -65,9 +65,8 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
   buildMenus();
   restoreSettings();
   setTabOrder();
-  connect(form_, &FormPanel::linesChanged, this, [this] {
-    if (!busy_) preview_->refresh();
-  });
+  // While an operation runs, the form is locked: none of its controls can change.
+  connect(form_, &FormPanel::linesChanged, preview_, &TitlePreview::refresh);
   connect(preview_, &TitlePreview::fitChanged, this, [this](const QString& message) {
     if (!message.isEmpty()) statusBar()->showMessage(message);
   });
@@ -82,7 +81,7 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
   connect(create_button_, &QPushButton::clicked, this, &MainWindow::createTitles);
   // How a document is read changes what it gives: read the open one again.
   const auto read_again = [this] {
-    if (!busy_ && !source_path_.isEmpty()) openDocument(source_path_);
+    if (!source_path_.isEmpty()) openDocument(source_path_);
   };
   connect(document_->tolerantBox(), &QCheckBox::toggled, this, read_again);
   connect(form_->sourceMenu(), &QComboBox::currentIndexChanged, this, read_again);
@@ -130,7 +129,6 @@ QString MainWindow::outputPath() const {
 }
 
 void MainWindow::chooseDocument() {
-  if (busy_) return;
   const QString path =
       QFileDialog::getOpenFileName(this, tr("Open Final Cut Pro XML"), last_folder_,
                                    tr("Final Cut Pro XML (*.xml);;All files (*)"));
