@@ -261,7 +261,7 @@ class ItemWriter {
       fields.uuid = import_safe_->title_uuid(number);
       import_safe_->note_title(number);
     }
-    out.raw_child(title_text_->join(fields));
+    title_text_->write(out.raw_child_output(), fields);
   }
 
   const TitlePrototype& title_;

@@ -108,22 +108,6 @@ constexpr std::array<std::pair<std::string_view, int>, 6> kMarks{{
 
 std::string mark(int field) { return std::string(kMarks[static_cast<std::size_t>(field)].first); }
 
-// Text content as libxml2 escapes it when writing UTF-8.
-std::string escaped(const std::string& text) {
-  std::string out;
-  out.reserve(text.size());
-  for (char c : text) {
-    switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '\r': out += "&#13;"; break;
-      default: out += c;
-    }
-  }
-  return out;
-}
-
 }  // namespace
 
 TitlePrototype::Text TitlePrototype::serialize(
@@ -166,20 +150,27 @@ TitlePrototype::Text TitlePrototype::serialize(
   return text;
 }
 
-std::string TitlePrototype::Text::join(const Fields& fields) const {
-  std::string text = pieces_.front();
+void TitlePrototype::Text::write(xmlOutputBuffer* out, const Fields& fields) const {
+  const auto put = [out](const std::string& text) {
+    xmlOutputBufferWrite(out, static_cast<int>(text.size()), text.c_str());
+  };
+  put(pieces_.front());
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     switch (fields_[i]) {
-      case Field::Start: text += fields.start; break;
-      case Field::End: text += fields.end; break;
-      case Field::Length: text += fields.length; break;
-      case Field::Text: text += escaped(fields.text); break;
-      case Field::Id: text += fields.id; break;
-      case Field::Uuid: text += fields.uuid; break;
+      case Field::Start: put(fields.start); break;
+      case Field::End: put(fields.end); break;
+      case Field::Length: put(fields.length); break;
+      // The one field that carries free text: libxml2 escapes it as it escapes any text node
+      // it writes in UTF-8.
+      case Field::Text:
+        xmlOutputBufferWriteEscape(out, reinterpret_cast<const xmlChar*>(fields.text.c_str()),
+                                   nullptr);
+        break;
+      case Field::Id: put(fields.id); break;
+      case Field::Uuid: put(fields.uuid); break;
     }
-    text += pieces_[i + 1];
+    put(pieces_[i + 1]);
   }
-  return text;
 }
 
 }  // namespace quillory
