@@ -261,7 +261,7 @@ class ItemWriter {
       fields.uuid = import_safe_->title_uuid(number);
       import_safe_->note_title(number);
     }
-    title_text_->write(out.raw_child_output(), fields);
+    out.raw_child(title_text_->join(fields));
   }
 
   const TitlePrototype& title_;

@@ -68,6 +68,10 @@ void StreamWriter::child(xmlNode* node) {
   xmlNodeDumpOutput(out_, doc_, node, child_level_, 1, "UTF-8");
 }
 
+void StreamWriter::raw_child(const std::string& text) {
+  xmlOutputBufferWrite(out_, static_cast<int>(text.size()), text.c_str());
+}
+
 bool StreamWriter::finish() {
   const int closed = xmlOutputBufferClose(out_);
   out_ = nullptr;

@@ -32,9 +32,9 @@ class StreamWriter {
 
   // Writes one child of the element being filled; the caller may free it afterwards.
   void child(xmlNode* node);
-  // Where the text of children of the element being filled goes when it is written as
-  // libxml2 writes them at child_level(): a line break and the indentation before each.
-  xmlOutputBuffer* raw_child_output() const { return out_; }
+  // Writes the text of children of the element being filled, as libxml2 writes them at
+  // child_level(): a line break and the indentation before each.
+  void raw_child(const std::string& text);
   int child_level() const { return child_level_; }
 
   // Flushes and closes the output; false when any write failed.

@@ -108,6 +108,24 @@ constexpr std::array<std::pair<std::string_view, int>, 6> kMarks{{
 
 std::string mark(int field) { return std::string(kMarks[static_cast<std::size_t>(field)].first); }
 
+// Hands what libxml2 writes on to the end of a string.
+int append_to(void* text, const char* bytes, int length) {
+  static_cast<std::string*>(text)->append(bytes, static_cast<std::size_t>(length));
+  return length;
+}
+
+// Appends `text` to `to` as libxml2 escapes a text node that it writes in UTF-8.
+void append_escaped(std::string& to, const std::string& text) {
+  const std::unique_ptr<xmlOutputBuffer, int (*)(xmlOutputBuffer*)> out(
+      xmlOutputBufferCreateIO(&append_to, nullptr, &to, nullptr), &xmlOutputBufferClose);
+  if (!out ||
+      xmlOutputBufferWriteEscape(out.get(), reinterpret_cast<const xmlChar*>(text.c_str()),
+                                 nullptr) < 0 ||
+      xmlOutputBufferFlush(out.get()) < 0) {
+    throw std::bad_alloc();
+  }
+}
+
 }  // namespace
 
 TitlePrototype::Text TitlePrototype::serialize(
@@ -150,27 +168,20 @@ TitlePrototype::Text TitlePrototype::serialize(
   return text;
 }
 
-void TitlePrototype::Text::write(xmlOutputBuffer* out, const Fields& fields) const {
-  const auto put = [out](const std::string& text) {
-    xmlOutputBufferWrite(out, static_cast<int>(text.size()), text.c_str());
-  };
-  put(pieces_.front());
+std::string TitlePrototype::Text::join(const Fields& fields) const {
+  std::string text = pieces_.front();
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     switch (fields_[i]) {
-      case Field::Start: put(fields.start); break;
-      case Field::End: put(fields.end); break;
-      case Field::Length: put(fields.length); break;
-      // The one field that carries free text: libxml2 escapes it as it escapes any text node
-      // it writes in UTF-8.
-      case Field::Text:
-        xmlOutputBufferWriteEscape(out, reinterpret_cast<const xmlChar*>(fields.text.c_str()),
-                                   nullptr);
-        break;
-      case Field::Id: put(fields.id); break;
-      case Field::Uuid: put(fields.uuid); break;
+      case Field::Start: text += fields.start; break;
+      case Field::End: text += fields.end; break;
+      case Field::Length: text += fields.length; break;
+      case Field::Text: append_escaped(text, fields.text); break;
+      case Field::Id: text += fields.id; break;
+      case Field::Uuid: text += fields.uuid; break;
     }
-    put(pieces_[i + 1]);
+    text += pieces_[i + 1];
   }
+  return text;
 }
 
 }  // namespace quillory

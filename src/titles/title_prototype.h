@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-#include <libxml/xmlIO.h>
-
 #include "source/clip_record.h"
 #include "xml/xml_handles.h"
 
@@ -58,9 +56,8 @@ class TitlePrototype {
 
 class TitlePrototype::Text {
  public:
-  // Writes the text of one title with `fields` in their places to `out`; the title's text is
-  // escaped by libxml2. The other fields are numbers, ids and UUIDs made by this program.
-  void write(xmlOutputBuffer* out, const Fields& fields) const;
+  // The text of one title with `fields` in their places; text is escaped as libxml2 escapes it.
+  std::string join(const Fields& fields) const;
 
  private:
   friend class TitlePrototype;
