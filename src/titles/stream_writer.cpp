@@ -8,27 +8,6 @@
 #include <unistd.h>
 
 namespace quillory {
-namespace {
-
-// An attribute value in double quotes, escaped as libxml2 escapes it.
-std::string quoted_attribute(const xmlChar* value) {
-  std::string text = "\"";
-  for (const xmlChar* c = value; c != nullptr && *c != 0; ++c) {
-    switch (*c) {
-      case '&': text += "&amp;"; break;
-      case '<': text += "&lt;"; break;
-      case '>': text += "&gt;"; break;
-      case '"': text += "&quot;"; break;
-      case '\n': text += "&#10;"; break;
-      case '\r': text += "&#13;"; break;
-      case '\t': text += "&#9;"; break;
-      default: text += static_cast<char>(*c);
-    }
-  }
-  return text + "\"";
-}
-
-}  // namespace
 
 constexpr std::size_t kBlock = 1 << 20;
 
@@ -123,14 +102,15 @@ void StreamWriter::write_node(xmlNode* node, int level) {
 }
 
 void StreamWriter::write_start_tag(const xmlNode* element) {
-  std::string tag = "<" + std::string(reinterpret_cast<const char*>(element->name));
-  for (const xmlAttr* attribute = element->properties; attribute != nullptr;
+  raw("<");
+  raw(reinterpret_cast<const char*>(element->name));
+  // libxml2 writes an attribute node as it writes it inside its element: a space, the name
+  // and the value escaped, in double quotes.
+  for (xmlAttr* attribute = element->properties; attribute != nullptr;
        attribute = attribute->next) {
-    xml::XmlString value(xmlNodeListGetString(element->doc, attribute->children, 1));
-    tag += " " + std::string(reinterpret_cast<const char*>(attribute->name)) + "=" +
-           quoted_attribute(value.get());
+    xmlNodeDumpOutput(out_, doc_, reinterpret_cast<xmlNode*>(attribute), 0, 0, "UTF-8");
   }
-  raw((tag + ">").c_str());
+  raw(">");
 }
 
 void StreamWriter::raw(const char* text) { xmlOutputBufferWriteString(out_, text); }

@@ -108,20 +108,22 @@ constexpr std::array<std::pair<std::string_view, int>, 6> kMarks{{
 
 std::string mark(int field) { return std::string(kMarks[static_cast<std::size_t>(field)].first); }
 
-// Text content as libxml2 escapes it when writing UTF-8.
-std::string escaped(const std::string& text) {
-  std::string out;
-  out.reserve(text.size());
-  for (char c : text) {
-    switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '\r': out += "&#13;"; break;
-      default: out += c;
-    }
+// Hands what libxml2 writes on to the end of a string.
+int append_to(void* text, const char* bytes, int length) {
+  static_cast<std::string*>(text)->append(bytes, static_cast<std::size_t>(length));
+  return length;
+}
+
+// Appends `text` to `to` as libxml2 escapes a text node that it writes in UTF-8.
+void append_escaped(std::string& to, const std::string& text) {
+  const std::unique_ptr<xmlOutputBuffer, int (*)(xmlOutputBuffer*)> out(
+      xmlOutputBufferCreateIO(&append_to, nullptr, &to, nullptr), &xmlOutputBufferClose);
+  if (!out ||
+      xmlOutputBufferWriteEscape(out.get(), reinterpret_cast<const xmlChar*>(text.c_str()),
+                                 nullptr) < 0 ||
+      xmlOutputBufferFlush(out.get()) < 0) {
+    throw std::bad_alloc();
   }
-  return out;
 }
 
 }  // namespace
@@ -173,7 +175,7 @@ std::string TitlePrototype::Text::join(const Fields& fields) const {
       case Field::Start: text += fields.start; break;
       case Field::End: text += fields.end; break;
       case Field::Length: text += fields.length; break;
-      case Field::Text: text += escaped(fields.text); break;
+      case Field::Text: append_escaped(text, fields.text); break;
       case Field::Id: text += fields.id; break;
       case Field::Uuid: text += fields.uuid; break;
     }

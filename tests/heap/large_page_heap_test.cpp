@@ -1,5 +1,6 @@
 // The hosts' heap keeps the C++ rule that a failed allocation throws std::bad_alloc: the hosts
 // turn that into a message and keep the previous output, where an abort would lose both.
+// It holds for mimalloc and for libc's heap, which a build without mimalloc uses.
 
 #include <gtest/gtest.h>
 
