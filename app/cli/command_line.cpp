@@ -7,6 +7,7 @@
 
 #include "startup/frame_rates.h"
 #include "source/get_info_from_clips.h"
+#include "xml/xml_text.h"
 
 namespace quillory::cli {
 namespace {
@@ -64,6 +65,17 @@ struct OneOf : CLI::Validator {
   }
 };
 
+// Accepts only text that may stand in an XML document: it goes into the output.
+struct XmlText : CLI::Validator {
+  XmlText() {
+    name_ = "TEXT";
+    func_ = [](const std::string& value) {
+      const auto problem = xml::why_not_xml_text(value);
+      return problem ? "the text " + *problem : std::string();
+    };
+  }
+};
+
 }  // namespace
 
 std::string unknown_value_message(const std::string& kind, const std::string& value,
@@ -94,10 +106,12 @@ void add_options(CLI::App& app, Options& options) {
   app.add_option("--template", options.template_name,
                  "title template to use (default: the first, \"Default\")");
   app.add_option("--name", options.name,
-                 "name of the new sequence (default: the source file's name)");
+                 "name of the new sequence (default: the source file's name)")
+      ->check(XmlText());
   for (std::size_t i = 0; i < 5; ++i) {
     const std::string n = std::to_string(i + 1);
-    app.add_option("--label" + n, options.labels[i], "label text of title line " + n);
+    app.add_option("--label" + n, options.labels[i], "label text of title line " + n)
+        ->check(XmlText());
     app.add_option("--line" + n, options.lines[i],
                    "what title line " + n + " shows (a choice title; \"\" for nothing)")
         ->capture_default_str()

@@ -1,5 +1,7 @@
 #include "form_panel.h"
 
+#include "xml_text_validator.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
@@ -69,6 +71,7 @@ FormPanel::FormPanel(QWidget* parent)
   const Controller no_document({});
   refill(rate_menu_, texts_of(no_document.rate_choices()), QString::fromStdString(no_document.default_rate()));
   name_field_->setObjectName(QStringLiteral("nameField"));
+  name_field_->setValidator(new XmlTextValidator(name_field_));
   name_field_->setAcceptDrops(false);
   name_field_->setToolTip(tr("The new sequence's name"));
   auto* sequence_form = new QFormLayout;
@@ -88,6 +91,7 @@ FormPanel::FormPanel(QWidget* parent)
     auto* caption = new QLabel(tr("Line &%1:").arg(row), lines_box);
     auto* edit = new QLineEdit(lines_box);
     edit->setObjectName(QStringLiteral("line%1Label").arg(row));
+    edit->setValidator(new XmlTextValidator(edit));
     edit->setAcceptDrops(false);
     edit->setMinimumWidth(min_field_width);
     edit->setPlaceholderText(tr("no label"));

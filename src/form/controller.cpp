@@ -9,6 +9,7 @@
 #include "titles/sequence_templates.h"
 #include "titles/title_prototype.h"
 #include "xml/failure.h"
+#include "xml/xml_text.h"
 
 namespace quillory {
 
@@ -43,8 +44,24 @@ AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out, int
   return create(form, Destination::descriptor(descriptor), out);
 }
 
+namespace {
+
+// Text of the form goes into the output as it stands: it must be text an XML document may hold.
+void check_form_text(const Form& form) {
+  const auto check = [](const std::string& what, const std::string& text) {
+    if (const auto problem = xml::why_not_xml_text(text)) fail(what + " " + *problem + "; nothing was written");
+  };
+  check("the sequence name", form.nameField);
+  for (std::size_t i = 0; i < form.lines.size(); ++i) {
+    check("the label of line " + std::to_string(i + 1), form.lines[i].label);
+  }
+}
+
+}  // namespace
+
 AssumptionReport Controller::create(const Form& form, const Destination& to, LineSink& out) const {
   require_creatable();
+  check_form_text(form);
   AssumptionReport report =
       source_.sequence != nullptr
           ? create_titles_over_sequence(source_.templates, source_.clips, source_.sequence,

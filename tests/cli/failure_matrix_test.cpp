@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "test_support.h"
+#include "xml/read_xml.h"
 
 namespace quillory {
 namespace {
@@ -246,6 +247,33 @@ TEST(FailureMatrix, EdgesWriteWhereTheUserMeantAndKeepTheirFiles) {
   EXPECT_EQ(repaired.exit_code, 0) << repaired.err;
   EXPECT_NE(test::read_file(dir.file("repaired.xml")).find("caf"), std::string::npos);
   EXPECT_EQ(test::read_file(source), clip());
+}
+
+// Text given on the command line goes into the document as it stands: written so that an XML
+// reader takes it back exactly, or refused as a usage error with nothing written.
+TEST(FailureMatrix, OptionTextIsWrittenAsXmlOrRefused) {
+  const test::TempDir dir;
+  test::write_file(dir.file("source.xml"), clip());
+  const std::pair<std::string, bool> rows[] = {
+      {"plain", true}, {"quotes \" ' & ampersands &amp;", true}, {"]]> <![CDATA[", true},
+      {"caf\xE9", false}, {"a\x01", false}, {"tab\tand\rreturn", true}, {"\xEF\xBF\xBE", false}};
+  for (const auto& [text, taken] : rows) {
+    SCOPED_TRACE(text);
+    fs::remove(dir.file("out.xml"));
+    const auto result = test::run_command(
+        {QUILLORY_BINARY, "--quiet", "--label1", text, "--line1", "Text", "--name", text, "--output",
+         dir.file("out.xml"), dir.file("source.xml")},
+        {"XDG_DATA_HOME=" + dir.path().string()});
+    EXPECT_EQ(result.exit_code, taken ? 0 : 2) << result.err;
+    if (!taken) {
+      EXPECT_EQ(result.err.rfind("quillory: --name: the text ", 0), 0U) << result.err;
+      EXPECT_FALSE(fs::exists(dir.file("out.xml")));
+      continue;
+    }
+    const auto parsed = xml::read_xml(test::read_file(dir.file("out.xml")), "out.xml", 0);
+    EXPECT_TRUE(parsed.diagnostics.empty()) << parsed.diagnostics.front().message;
+    EXPECT_EQ(test::texts(parsed.document, "/xmeml/sequence/name"), text + "|");
+  }
 }
 
 }  // namespace
