@@ -102,6 +102,16 @@ void ImportSafeOutput::define_files(xmlNode* item) {
     if (!id || !defined_.insert(*id).second || file->children != nullptr) continue;
     const auto definition = definitions_.find(*id);
     if (definition == definitions_.end()) continue;  // defined nowhere: nothing to copy
+    if (file->parent == nullptr) {
+      // The item is itself the reference (a <file> straight in a copied track): it is filled
+      // in place, the caller still holding it.
+      for (const xmlNode* child = definition->second->children; child != nullptr; child = child->next) {
+        xmlNode* copy = xmlDocCopyNode(const_cast<xmlNode*>(child), file->doc, 1);
+        if (copy == nullptr) throw std::bad_alloc();
+        xmlAddChild(file, copy);
+      }
+      continue;
+    }
     xmlNode* copy = xmlDocCopyNode(const_cast<xmlNode*>(definition->second), file->doc, 1);
     if (copy == nullptr) throw std::bad_alloc();
     xmlReplaceNode(file, copy);
