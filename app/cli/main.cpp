@@ -15,7 +15,7 @@
 #include "form/controller.h"
 #include "startup/startup.h"
 #include "titles/replace_file.h"
-#include "xml/failure.h"
+#include "source/incomplete_input.h"
 
 namespace {
 

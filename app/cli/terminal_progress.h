@@ -5,7 +5,7 @@
 #include <chrono>
 #include <ostream>
 
-#include "xml/line_sink.h"
+#include "source/line_sink.h"
 
 namespace quillory::cli {
 

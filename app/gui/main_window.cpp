@@ -34,7 +34,7 @@
 #include "operation_progress.h"
 #include "output_bar.h"
 #include "title_preview.h"
-#include "xml/failure.h"
+#include "source/incomplete_input.h"
 
 namespace quillory::gui {
 namespace {

@@ -11,7 +11,7 @@
 #include <atomic>
 #include <stdexcept>
 
-#include "xml/line_sink.h"
+#include "source/line_sink.h"
 
 class QProgressBar;
 

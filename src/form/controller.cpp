@@ -8,7 +8,7 @@
 #include "titles/titles_over_sequence.h"
 #include "titles/sequence_templates.h"
 #include "titles/title_prototype.h"
-#include "xml/failure.h"
+#include "source/user_message.h"
 #include "xml/xml_text.h"
 
 namespace quillory {

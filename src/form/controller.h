@@ -14,7 +14,7 @@
 #include "titles/destination.h"
 #include "titles/title_settings.h"
 #include "titles/title_style.h"
-#include "xml/line_sink.h"
+#include "source/line_sink.h"
 
 namespace quillory {
 

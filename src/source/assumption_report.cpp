@@ -1,6 +1,6 @@
 #include "source/assumption_report.h"
 
-#include "xml/failure.h"
+#include "source/user_message.h"
 
 namespace quillory {
 namespace {

@@ -1,7 +1,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "xml/failure.h"
+#include "source/incomplete_input.h"
 #include "source/media_file_record.h"
 #include "xml/xml_nodes.h"
 

@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "xml/failure.h"
+#include "source/incomplete_input.h"
 #include "source/catalogue.h"
 #include "source/media_file_record.h"
 #include "source/parse_xml_file.h"

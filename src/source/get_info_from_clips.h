@@ -9,7 +9,7 @@
 #include "source/clip_record.h"
 #include "source/parse_xml_file.h"
 #include "source/sequence_shots.h"
-#include "xml/line_sink.h"
+#include "source/line_sink.h"
 
 namespace quillory {
 

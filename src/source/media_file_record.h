@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "xml/line_sink.h"
+#include "source/line_sink.h"
 #include "source/date_time.h"
 #include "xml/xml_handles.h"
 

@@ -21,7 +21,7 @@
 
 #include "source/content_digest.h"
 #include "source/line_repair.h"
-#include "xml/failure.h"
+#include "source/user_message.h"
 #include "xml/read_xml.h"
 
 namespace quillory {

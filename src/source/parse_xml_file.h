@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "xml/line_sink.h"
+#include "source/line_sink.h"
 #include "xml/xml_handles.h"
 
 namespace quillory {

@@ -18,7 +18,7 @@
 #include "titles/stream_writer.h"
 #include "titles/title_prototype.h"
 #include "titles/title_writer.h"
-#include "xml/failure.h"
+#include "source/incomplete_input.h"
 #include "xml/read_xml.h"
 #include "xml/xml_nodes.h"
 

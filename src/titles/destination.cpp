@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "titles/replace_file.h"
-#include "xml/failure.h"
+#include "source/user_message.h"
 
 namespace quillory {
 

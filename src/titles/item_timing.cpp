@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "xml/failure.h"
+#include "source/incomplete_input.h"
 #include "xml/xml_nodes.h"
 
 namespace quillory {

@@ -8,7 +8,7 @@
 #include <libxml/xmlIO.h>
 
 #include "titles/node_copies.h"
-#include "xml/failure.h"
+#include "source/incomplete_input.h"
 #include "xml/xml_nodes.h"
 
 namespace quillory {

@@ -9,7 +9,7 @@
 #include "source/clip_record.h"
 #include "titles/destination.h"
 #include "titles/title_settings.h"
-#include "xml/line_sink.h"
+#include "source/line_sink.h"
 
 namespace quillory {
 

@@ -1,11 +1,10 @@
 #pragma once
-// The one way the operations report input they cannot work with: an exception whose message
-// is meant for the user, in the form every host shows as it stands.
+// How the operations tell the user what they cannot work with: exceptions whose message is meant
+// for the user, in the form every host shows as it stands.
 
 #include <new>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace quillory {
 
@@ -34,21 +33,6 @@ inline std::string out_of_memory_message(const std::string& path) {
 inline std::string failure_message(const std::exception& error, const std::string& path) {
   if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return out_of_memory_message(path);
   return error.what();
-}
-
-// Input that breaks a rule of the format which tolerant reading replaces by a stated
-// assumption. Hosts tell the user that switching tolerant reading on takes it.
-class IncompleteInput : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// Where the input breaks such a rule: strict reading stops with `error`; tolerant reading
-// notes `assumption` in `made` and goes on as the assumption says.
-inline void assume_or_fail(bool tolerant, std::vector<std::string>& made,
-                           const std::string& error, std::string assumption) {
-  if (!tolerant) throw IncompleteInput("quillory: " + error);
-  made.push_back(std::move(assumption));
 }
 
 }  // namespace quillory
