@@ -18,11 +18,11 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "batch_dialog.h"
 #include "busy_scope.h"
 #include "document_bar.h"
 #include "form_panel.h"
@@ -36,9 +36,7 @@
 namespace quillory::gui {
 namespace {
 
-std::string local_path(const QString& path) {
-  return QFile::encodeName(path).toStdString();
-}
+std::string local_path(const QString& path) { return QFile::encodeName(path).toStdString(); }
 
 // A single local .xml file, the only thing the window takes by drag and drop.
 QString dropped_document(const QMimeData* mime) {
@@ -56,7 +54,6 @@ QString dropped_document(const QMimeData* mime) {
 MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
     : QMainWindow(parent), controller_(std::move(paths)) {
   setWindowTitle(tr("Quillory"));
-  setWindowIcon(style()->standardIcon(QStyle::SP_FileIcon));
   setAcceptDrops(true);
   buildWidgets();
   buildMenus();
@@ -125,6 +122,9 @@ void MainWindow::buildMenus() {
   create_action_ = file->addAction(tr("&Create Titles"), this, &MainWindow::createTitles);
   create_action_->setShortcuts(
       {QKeySequence(Qt::CTRL | Qt::Key_Return), QKeySequence(Qt::CTRL | Qt::Key_Enter)});
+  file->addAction(tr("Create Titles for &Several Exports…"), this, [this] {
+    if (!busy_) BatchDialog(form(), controller_.paths(), last_folder_, this).exec();
+  });
   file->addSeparator();
   QAction* quit = file->addAction(tr("&Quit"), this, &QWidget::close);
   quit->setShortcut(QKeySequence::Quit);
