@@ -44,6 +44,7 @@ BatchConsole::BatchConsole(std::vector<std::string> sources, std::string done_as
       clips_total_(sources_.size()) {}
 
 void BatchConsole::progress(std::size_t index, std::size_t done, std::size_t total) {
+  if (!shown_) return;  // each clip of every thread comes here: no lock when nothing is drawn
   const std::lock_guard lock(mutex_);
   clips_done_[index] = done;
   clips_total_[index] = total;
