@@ -131,17 +131,21 @@ bool BatchDialog::start() {
     return false;
   }
   entries_ = plan.entries;
-  written_ = reported_ = 0;
+  written_ = 0;
   for (int row = 0; row < list_->topLevelItemCount(); ++row) list_->topLevelItem(row)->setText(1, {});
   status_->setText(tr("Creating titles for %n export(s)…", nullptr, static_cast<int>(sources.size())));
   // The threads take copies: the dialog's members stay the dialog thread's.
   worker_ = std::thread([this, entries = plan.entries, form = form_, paths = paths_] {
-    run_in_parallel(entries.size(), default_jobs(), [&](std::size_t index) {
-      NullSink lines;  // from several exports at once they would only interleave
-      const BatchResult result = create_titles_for(entries[index], form, paths, lines);
-      QMetaObject::invokeMethod(this, [this, index, result] { showResult(index, result); },
-                                Qt::QueuedConnection);
-    });
+    try {
+      run_in_parallel(entries.size(), default_jobs(), [&](std::size_t index) {
+        NullSink lines;  // from several exports at once they would only interleave
+        const BatchResult result = create_titles_for(entries[index], form, paths, lines);
+        QMetaObject::invokeMethod(this, [this, index, result] { showResult(index, result); },
+                                  Qt::QueuedConnection);
+      });
+    } catch (const std::exception&) {
+      // No thread could be started: the exports not tried keep an empty result.
+    }
     QMetaObject::invokeMethod(this, [this] { endRun(); }, Qt::QueuedConnection);
   });
   updateButtons();
@@ -153,12 +157,11 @@ void BatchDialog::showResult(std::size_t index, const BatchResult& result) {
   item->setText(1, result_text(result, from_local(entries_.at(index).output)));
   item->setToolTip(1, item->text(1));
   written_ += result.written ? 1 : 0;
-  ++reported_;
 }
 
 void BatchDialog::endRun() {
   worker_.join();
-  status_->setText(tr("%1 of %2 exports written.").arg(written_).arg(reported_));
+  status_->setText(tr("%1 of %2 exports written.").arg(written_).arg(entries_.size()));
   updateButtons();
   Q_EMIT runFinished();
 }

@@ -56,7 +56,6 @@ class BatchDialog : public QDialog {
   QStringList sources_;
   std::vector<BatchEntry> entries_;  // of the last run
   std::size_t written_ = 0;
-  std::size_t reported_ = 0;
 
   QTreeWidget* list_;
   QLabel* folder_label_;
