@@ -98,7 +98,11 @@ std::array<std::string, 5> default_choices() {
 }
 
 void add_options(CLI::App& app, Options& options) {
-  app.add_option("SOURCE", options.source, "the xmeml export to read")->required();
+  app.add_option("SOURCE", options.sources, "the xmeml exports to read")
+      ->required()
+      ->each([&options](const std::string& source) {
+        if (options.source.empty()) options.source = source;
+      });
   auto* sequence = app.add_option(
       "--sequence", options.sequence,
       "title every shot of this top-level sequence of the source instead of its master clips: "
@@ -122,8 +126,17 @@ void add_options(CLI::App& app, Options& options) {
                                          "rate of the source's clips)")
       ->check(OneOf("rate", rate_names()))
       ->excludes(sequence);
-  app.add_option("--output", options.output,
-                 "write the sequence here instead of the Ferncroft folder");
+  auto* output = app.add_option("--output", options.output,
+                                "write the sequence here instead of the Ferncroft folder");
+  app.add_option("--output-dir", options.output_dir,
+                 "write each source's titles to DIR/NAME.xml, NAME its file name without the "
+                 "extension (needed with several sources)")
+      ->option_text("DIR")
+      ->excludes(output);
+  app.add_option("--jobs", options.jobs,
+                 "work on N sources at once (default: the number of cores)")
+      ->option_text("N")
+      ->check(CLI::Range(1U, 1024U));
   auto* list = app.add_flag("--list", options.list,
                             "print the source's templates, clips and rates; write nothing");
   app.add_flag("--json", options.json, "with --list: print the listing as one JSON document")
@@ -140,7 +153,8 @@ void add_options(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "quillory " QUILLORY_VERSION);
   app.footer("Choice titles for --line1 ... --line5:" + quoted_list(CHOICE_TITLES) +
              "\nRates for --rate:" + quoted_list(rate_names()) +
-             "\nExit status: 0 written, 1 not an xmeml document or an error, 2 usage error.");
+             "\nExit status: 0 written (every source), 1 not an xmeml document or an error (any "
+             "source), 2 usage error.");
 }
 
 Form form_from_options(const Options& options) {

@@ -18,6 +18,8 @@ namespace quillory::cli {
 std::array<std::string, 5> default_choices();
 
 struct Options {
+  std::vector<std::string> sources;
+  // The source a run reads: one of `sources`, the first once parsed.
   std::string source;
   std::optional<std::string> sequence;
   std::optional<std::string> template_name;
@@ -27,6 +29,9 @@ struct Options {
   bool tcr = false;
   std::optional<std::string> rate;
   std::optional<std::string> output;
+  // Each source's titles go to output_dir/NAME.xml; several sources that write need it.
+  std::optional<std::string> output_dir;
+  unsigned jobs = 0;  // sources worked on at once; 0: one per core
   bool list = false;
   bool json = false;
   bool preview = false;

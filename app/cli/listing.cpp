@@ -20,6 +20,11 @@ nlohmann::ordered_json rate_or_null(const std::string& rate) {
   return rate;
 }
 
+void print_json(const nlohmann::ordered_json& document, std::ostream& out) {
+  // Text from a repaired source is valid UTF-8; replacing keeps any other byte from aborting.
+  out << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
+}
+
 }  // namespace
 
 void print_listing(const OpenedSource& opened, std::ostream& out) {
@@ -41,10 +46,13 @@ void print_listing(const OpenedSource& opened, std::ostream& out) {
   }
 }
 
-void print_json_listing(const OpenedSource& opened, std::ostream& out) {
-  nlohmann::ordered_json listing{{"templates", nlohmann::ordered_json::array()},
-                         {"clips", nlohmann::ordered_json::array()},
-                         {"rates", opened.frame_rates}};
+void print_json_listing(const OpenedSource& opened, std::ostream& out,
+                        const std::optional<std::string>& source) {
+  nlohmann::ordered_json listing;
+  if (source) listing["source"] = *source;
+  listing["templates"] = nlohmann::ordered_json::array();
+  listing["clips"] = nlohmann::ordered_json::array();
+  listing["rates"] = opened.frame_rates;
   for (const auto& title : opened.templates) {
     listing["templates"].push_back({{"name", title.name}, {"type", title.type}});
   }
@@ -67,8 +75,11 @@ void print_json_listing(const OpenedSource& opened, std::ostream& out) {
                                     {"video_tracks", sequence.video_tracks},
                                     {"shots", sequence.shots}});
   }
-  // Text from a repaired source is valid UTF-8; replacing keeps any other byte from aborting.
-  out << listing.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
+  print_json(listing, out);
+}
+
+void print_json_failure(const std::string& source, const std::string& message, std::ostream& out) {
+  print_json({{"source", source}, {"error", message}}, out);
 }
 
 void print_preview(const std::vector<ClipRecord>& clips, const LineSettings& lines,

@@ -1,7 +1,9 @@
 // quillory-gui: the Quillory window.
 
 #include <QApplication>
+#include <QIcon>
 #include <QMessageBox>
+#include <QStyle>
 #include <exception>
 
 #include "main_window.h"
@@ -14,6 +16,9 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("Quillory"));
   QApplication::setApplicationVersion(QStringLiteral(QUILLORY_VERSION));
   QApplication::setDesktopFileName(QStringLiteral("quillory"));
+  // The icon installed with the program, where it is installed.
+  QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("quillory"),
+                                               app.style()->standardIcon(QStyle::SP_FileIcon)));
   quillory::remove_unfinished_replacement_when_stopped();
 
   quillory::OutputPaths paths;

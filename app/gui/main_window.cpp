@@ -21,7 +21,6 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -39,9 +38,7 @@
 namespace quillory::gui {
 namespace {
 
-std::string local_path(const QString& path) {
-  return QFile::encodeName(path).toStdString();
-}
+std::string local_path(const QString& path) { return QFile::encodeName(path).toStdString(); }
 
 // A single local .xml file, the only thing the window takes by drag and drop.
 QString dropped_document(const QMimeData* mime) {
@@ -59,7 +56,6 @@ QString dropped_document(const QMimeData* mime) {
 MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
     : QMainWindow(parent), controller_(std::move(paths)) {
   setWindowTitle(tr("Quillory"));
-  setWindowIcon(style()->standardIcon(QStyle::SP_FileIcon));
   setAcceptDrops(true);
   buildWidgets();
   buildMenus();

@@ -14,6 +14,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "batch_dialog.h"
 #include "document_bar.h"
 #include "form_panel.h"
 #include "log_pane.h"
@@ -83,6 +84,9 @@ void MainWindow::buildMenus() {
   create_action_ = file->addAction(tr("&Create Titles"), this, &MainWindow::createTitles);
   create_action_->setShortcuts(
       {QKeySequence(Qt::CTRL | Qt::Key_Return), QKeySequence(Qt::CTRL | Qt::Key_Enter)});
+  file->addAction(tr("Create Titles for &Several Exports…"), this, [this] {
+    if (!busy_) BatchDialog(form(), controller_.paths(), last_folder_, this).exec();
+  });
   file->addSeparator();
   QAction* quit = file->addAction(tr("&Quit"), this, &QWidget::close);
   quit->setShortcut(QKeySequence::Quit);

@@ -19,6 +19,8 @@ bool is_directory(const std::string& path) {
 }  // namespace
 
 OutputPaths start_up(const std::vector<std::string>& folders) {
+  // Once, before any other thread uses libxml2: the thread that first does holds the
+  // process-wide settings, and every other gets its own.
   xmlInitParser();
   OutputPaths paths;
   if (folders.empty()) return paths;

@@ -1,6 +1,7 @@
 #pragma once
 // Start-up: prepares the libraries and the per-user folder "Ferncroft", and fixes the paths
-// that every export writes to.
+// that every export writes to. A host runs it first, on its main thread, before any other
+// thread reads or writes XML.
 
 #include <optional>
 #include <string>

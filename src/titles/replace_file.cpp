@@ -4,45 +4,114 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <cstdio>
+#include <optional>
+#include <random>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 namespace quillory {
 namespace {
 
-// The temporary file being written, kept where a signal handler may read it: a fixed buffer
-// and a flag that says whether it holds a name.
-char unfinished_path[4096];
-volatile std::sig_atomic_t unfinished = 0;
+// The temporary files being written, one slot each, kept where a signal handler may read
+// them: several threads may replace files at once, and a signal may arrive on any of them.
+// A slot's state says who may touch its name. Its owner writes the name while the slot is
+// Claimed and publishes it as Named before the file exists; a handler removes a Named file only
+// after taking the slot as Removing, so that the owner can neither rename the file nor reuse
+// the name meanwhile.
+enum SlotState : int { kFree, kClaimed, kNamed, kRemoving };
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler must not take a lock");
+
+struct Slot {
+  std::atomic<int> state{kFree};
+  char path[4096];
+};
+// As many files as a run writes at once; more writers wait for a slot.
+std::array<Slot, 64> slots;
 
 [[noreturn]] void fail(const std::string& what, const std::string& path, int error) {
   throw std::system_error(error, std::generic_category(), "quillory: cannot " + what + " " + path);
 }
 
+// A handler on another thread is removing the slot's file and ends the process once it has:
+// the owner must leave the file alone until then.
+[[noreturn]] void wait_for_the_end() {
+  for (;;) ::pause();
+}
+
+// Moves an owned slot from `from` to `to`, unless a handler took it.
+void hand_over(Slot& slot, int from, int to) {
+  if (!slot.state.compare_exchange_strong(from, to)) wait_for_the_end();
+}
+
+Slot& claim_slot() {
+  for (;;) {
+    for (Slot& slot : slots) {
+      int free = kFree;
+      if (slot.state.compare_exchange_strong(free, kClaimed)) return slot;
+    }
+    std::this_thread::yield();
+  }
+}
+
+// Six letters or digits that no other writer is likely to pick for the same target.
+void random_suffix(char* at) {
+  static constexpr char kLetters[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+  thread_local std::mt19937_64 engine{std::random_device{}()};
+  std::uniform_int_distribution<std::size_t> pick(0, sizeof kLetters - 2);
+  for (int i = 0; i < 6; ++i) at[i] = kLetters[pick(engine)];
+}
+
+// The permissions a replaced file keeps; none for a new file.
+std::optional<mode_t> kept_mode(const std::string& target) {
+  struct stat info {};
+  if (::stat(target.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
+  return info.st_mode & 07777;
+}
+
 // Removes the temporary file unless the rename has taken it over.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const std::string& target) : path_(target + ".XXXXXX") {
-    // The name is made in the buffer that a signal handler reads, flagged before the file
-    // exists, so that a signal at any moment finds the file it has to remove.
-    if (path_.size() >= sizeof unfinished_path) fail("create a temporary file beside", target, ENAMETOOLONG);
-    std::memcpy(unfinished_path, path_.c_str(), path_.size() + 1);
-    unfinished = 1;
-    fd_ = ::mkstemp(unfinished_path);
-    if (fd_ < 0) {
-      unfinished = 0;
-      fail("create a temporary file beside", target, errno);
+  // `mode` as open(2) takes it. The umask is the process's: reading it means changing it,
+  // which would race with other writers, so a new file's mode comes from open itself.
+  TemporaryFile(const std::string& target, mode_t mode)
+      : path_(target + ".XXXXXX"),  // allocated now: taking the final name must not throw
+        slot_(claim_slot()) {
+    if (path_.size() >= sizeof slot_.path) {
+      release();
+      fail("create a temporary file beside", target, ENAMETOOLONG);
     }
-    path_.assign(unfinished_path);
+    std::memcpy(slot_.path, path_.c_str(), path_.size() + 1);
+    char* suffix = slot_.path + path_.size() - 6;
+    int error = EEXIST;
+    for (int attempt = 0; attempt < 100 && fd_ < 0 && error == EEXIST; ++attempt) {
+      random_suffix(suffix);
+      // Named before the file exists, so that a signal at any moment finds the file to remove.
+      hand_over(slot_, kClaimed, kNamed);
+      fd_ = ::open(slot_.path, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+      error = errno;
+      if (fd_ < 0) hand_over(slot_, kNamed, kClaimed);  // another file's name, or no file
+    }
+    if (fd_ < 0) {
+      release();
+      fail("create a temporary file beside", target, error);
+    }
+    path_.assign(slot_.path);
   }
   ~TemporaryFile() {
-    unfinished = 0;
     if (fd_ >= 0) ::close(fd_);
-    if (!renamed_) ::unlink(path_.c_str());
+    if (!renamed_) {
+      hand_over(slot_, kNamed, kClaimed);
+      ::unlink(path_.c_str());
+    }
+    release();
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -52,18 +121,7 @@ class TemporaryFile {
     if (!write(fd_)) fail("write", path_, errno != 0 ? errno : EIO);
   }
 
-  // mkstemp creates the file readable by its owner only: a file that is replaced keeps its
-  // permissions, a new one gets those of a plain new file.
-  void set_permissions_of(const std::string& target) {
-    struct stat info {};
-    mode_t mode = 0;
-    if (::stat(target.c_str(), &info) == 0 && S_ISREG(info.st_mode)) {
-      mode = info.st_mode & 07777;
-    } else {
-      const mode_t mask = ::umask(0);
-      ::umask(mask);
-      mode = 0666 & ~mask;
-    }
+  void set_mode(mode_t mode) {
     if (::fchmod(fd_, mode) != 0) fail("set the permissions of", path_, errno);
   }
 
@@ -72,13 +130,20 @@ class TemporaryFile {
     const int fd = fd_;
     fd_ = -1;
     if (::close(fd) != 0) fail("write", path_, errno);
-    unfinished = 0;
-    if (::rename(path_.c_str(), target.c_str()) != 0) fail("replace", target, errno);
+    hand_over(slot_, kNamed, kClaimed);
+    if (::rename(path_.c_str(), target.c_str()) != 0) {
+      const int error = errno;
+      hand_over(slot_, kClaimed, kNamed);  // still ours to remove
+      fail("replace", target, error);
+    }
     renamed_ = true;
   }
 
  private:
+  void release() { slot_.state.store(kFree); }
+
   std::string path_;
+  Slot& slot_;
   int fd_ = -1;
   bool renamed_ = false;
 };
@@ -112,7 +177,10 @@ bool same_file(const std::string& first, const std::string& second) {
 }
 
 void remove_unfinished_replacement() noexcept {
-  if (unfinished != 0) ::unlink(unfinished_path);
+  for (Slot& slot : slots) {
+    int named = kNamed;
+    if (slot.state.compare_exchange_strong(named, kRemoving)) ::unlink(slot.path);
+  }
 }
 
 namespace {
@@ -131,8 +199,11 @@ void remove_unfinished_replacement_when_stopped() {
 
 void replace_file(const std::string& path, const std::function<bool(int fd)>& write) {
   const std::string target = link_target(path);
-  TemporaryFile temporary(target);
-  temporary.set_permissions_of(target);
+  // A replaced file keeps its permissions: its replacement is its owner's alone until it has
+  // them, since whoever opens it meanwhile could read all that is written to it later.
+  const std::optional<mode_t> kept = kept_mode(target);
+  TemporaryFile temporary(target, kept ? 0600 : 0666);
+  if (kept) temporary.set_mode(*kept);
   temporary.write_with(write);
   temporary.commit(target);
 }

@@ -17,8 +17,10 @@ void replace_file(const std::string& path, const std::function<bool(int fd)>& wr
 // Whether both paths name one file (the same device and inode, after following links).
 bool same_file(const std::string& first, const std::string& second);
 
-// Removes the temporary file of a replacement under way, if there is one. Safe to call from a
-// signal handler: a host stopped by a signal calls it so that no temporary file is left.
+// Removes the temporary files of the replacements under way, if there are any (a run may
+// write several at once, in threads). Safe to call from a signal handler on any thread: a host
+// stopped by a signal calls it so that no temporary file is left. The process is to end right
+// after it: a replacement whose file it removed waits for that end.
 void remove_unfinished_replacement() noexcept;
 
 // Installs handlers for SIGINT, SIGTERM and SIGHUP that remove that temporary file and then

@@ -1,11 +1,17 @@
 #pragma once
 // Scope guard that routes libxml2's structured errors into a list for as long as it lives and
-// puts back whatever handler was installed before, also when the parse throws.
+// puts back whatever handler was installed before, also when the parse throws. The handler is
+// the calling thread's own: libxml2 built with threads keeps it, like its other settings, per
+// thread, so sources parsed in several threads at once each collect their own diagnostics.
 
 #include <libxml/xmlerror.h>
 #include <libxml/xmlversion.h>
 
 #include <vector>
+
+#ifndef LIBXML_THREAD_ENABLED
+#error "libxml2 without threads shares one error handler between all threads"
+#endif
 
 #include "xml/read_xml.h"
 

@@ -3,6 +3,7 @@
 
 #include "main_window.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -19,6 +20,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -27,6 +29,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "batch_dialog.h"
 #include "command_line.h"
 #include "log_pane.h"
 #include "title_canvas.h"
@@ -189,6 +192,41 @@ class MainWindowTest : public QObject {
     QVERIFY(window_->openDocument(kExample));
     QVERIFY(control<QWidget>("outputRow")->isHidden());
     QVERIFY(!window_->saveOutputCopyTo(copy));
+  }
+
+  // Several exports with the window's settings: each file what the command line writes for it
+  // alone, each failure listed with its message.
+  void severalExportsGetTheWindowsSettings() {
+    QVERIFY(window_->openDocument(kExample));
+    control<QComboBox>("templatePopup")->setCurrentText(QStringLiteral("Slate Card"));
+    control<QCheckBox>("tcrCheckbox")->setChecked(true);
+    QTemporaryDir folder;
+    const QString day1 = folder.filePath(QStringLiteral("day1.xml"));
+    const QString day2 = folder.filePath(QStringLiteral("day2.xml"));
+    QVERIFY(QFile::copy(kExample, day1) && write_all(day2, "<project/>"));
+    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("out")));
+    bool offered = false;
+    for (QAction* action : window_->findChildren<QAction*>()) {
+      offered = offered || action->text() == QStringLiteral("Create Titles for &Several Exports…");
+    }
+    QVERIFY(offered);
+
+    quillory::gui::BatchDialog dialog(window_->form(), {}, folder.path());
+    dialog.addSources({day1, day2});
+    dialog.setOutputFolder(folder.filePath(QStringLiteral("out")));
+    QSignalSpy finished(&dialog, &quillory::gui::BatchDialog::runFinished);
+    QVERIFY(dialog.start());
+    QVERIFY(finished.wait(60000));
+    const QString written = folder.filePath(QStringLiteral("out/day1.xml"));
+    QCOMPARE(dialog.results(), (QStringList{"Written to " + written,
+                                            day2 + " is not an xmeml document (its first node "
+                                                   "is not <xmeml>)"}));
+    QVERIFY(!QFile::exists(folder.filePath(QStringLiteral("out/day2.xml"))));
+    QProcess cli;
+    cli.start(QStringLiteral(QUILLORY_CLI), {"--quiet", "--tcr", "--template", "Slate Card",
+                                             "--output", folder.filePath("cli.xml"), day1});
+    QVERIFY(cli.waitForFinished(120000));
+    QCOMPARE(read_all(written), read_all(folder.filePath("cli.xml")));
   }
 
   void refusalsKeepThePreviousStateAndFile() {

@@ -1,0 +1,128 @@
+#include "source_run.h"
+
+#include <algorithm>
+#include <unistd.h>
+
+#include "listing.h"
+#include "form/controller.h"
+#include "source/incomplete_input.h"
+
+namespace quillory::cli {
+namespace {
+
+// Follows every error that --tolerant would have taken with an assumption.
+constexpr const char* kTolerantHint = " (--tolerant accepts this)";
+
+SourceOutcome failed(ExitCode code, std::string message) { return {code, std::move(message)}; }
+
+void print_report(const AssumptionReport& report, std::ostream& err) {
+  for (const auto& warning : report.warnings) err << warning << "\n";
+  if (!report.summary.empty()) err << report.summary << "\n";
+}
+
+// "--output -": the document itself goes to standard output.
+bool writes_to_standard_output(const Options& options) { return options.output == "-"; }
+
+// The progress lines go to standard output, unless that carries what the user asked to see.
+std::unique_ptr<LineSink> progress_sink(const Options& options, const SourceStreams& streams) {
+  if (options.quiet) return std::make_unique<NullSink>();
+  const bool shows_other = options.list || options.preview || writes_to_standard_output(options);
+  return std::make_unique<StreamSink>(shows_other ? streams.err : streams.out);
+}
+
+// A document without master clips most often holds an edit: say what it holds instead.
+void report_no_clip(const Options& options, const OpenedSource& source, std::ostream& err) {
+  if (!source.clips.empty() || options.sequence) return;
+  err << "quillory: " << options.source << " holds no master clip";
+  if (source.sequences.empty()) {
+    err << " and no sequence\n";
+    return;
+  }
+  err << "; it holds the sequence" << (source.sequences.size() > 1 ? "s" : "");
+  for (std::size_t i = 0; i < source.sequences.size(); ++i) {
+    err << (i == 0 ? " \"" : ", \"") << source.sequences[i].name << '"';
+  }
+  err << ": --sequence NAME titles the shots of one\n";
+}
+
+// The template a user names must be one the source offers; the message says which it offers.
+std::string template_not_offered(const Options& options, const OpenedSource& source) {
+  if (!options.template_name) return {};
+  std::vector<std::string> names;
+  for (const auto& title : source.templates) names.push_back(title.name);
+  if (std::find(names.begin(), names.end(), *options.template_name) != names.end()) return {};
+  return "quillory: --template: " + unknown_value_message("template", *options.template_name, names);
+}
+
+// Prints what --list or --preview asks to see.
+void show(const Options& options, const Controller& controller, const Form& form,
+          const SourceStreams& streams) {
+  if (options.preview) {
+    print_preview(controller.source().clips, controller.title_settings(form).lines, streams.out);
+  } else if (options.json) {
+    // In a batch each listing names its source, to tell the array's objects apart.
+    print_json_listing(controller.source(), streams.out,
+                       options.sources.size() > 1 ? std::optional(options.source) : std::nullopt);
+  } else {
+    print_listing(controller.source(), streams.out);
+  }
+  print_report(controller.opening_report(), streams.err);
+}
+
+SourceOutcome run(const Options& options, const OutputPaths& paths, const SourceStreams& streams) {
+  const auto progress = progress_sink(options, streams);
+  Controller controller(paths);
+  const Form form = form_from_options(options);
+  const OpenOutcome opened = controller.get_info_from_clips(options.source, form, *progress);
+  switch (opened.status) {
+    case OpenStatus::Opened:
+      break;
+    case OpenStatus::NotXmeml:
+      return failed(ExitCode::Failed, "quillory: " + options.source +
+                                          " is not an xmeml document (its first node is not "
+                                          "<xmeml>); nothing was written");
+    case OpenStatus::NoSequence:
+      return failed(ExitCode::Usage, "quillory: --sequence: " +
+                                         unknown_value_message("sequence", *options.sequence,
+                                                               opened.sequences));
+    case OpenStatus::Unreadable:
+    case OpenStatus::Broken:
+      return failed(ExitCode::Failed, opened.error + (opened.incomplete ? kTolerantHint : ""));
+  }
+  if (auto refused = template_not_offered(options, controller.source()); !refused.empty()) {
+    return failed(ExitCode::Usage, std::move(refused));
+  }
+  report_no_clip(options, controller.source(), streams.err);
+  if (options.list || options.preview) {
+    show(options, controller, form, streams);
+    return {};
+  }
+  const bool to_standard_output = writes_to_standard_output(options);
+  const auto path = options.output ? options.output : controller.paths().TEMP_XML_FILE;
+  AssumptionReport report;
+  {
+    const auto display = streams.display(*progress);
+    streams.out.flush();
+    report = to_standard_output ? controller.create_fcp_xml(form, *display, STDOUT_FILENO)
+                                : controller.create_fcp_xml(form, *display, path);
+  }
+  print_report(report, streams.err);
+  streams.err << "quillory: wrote " << (to_standard_output ? "the titles to standard output" : *path)
+              << "\n";
+  return {};
+}
+
+}  // namespace
+
+SourceOutcome run_source(const Options& options, const OutputPaths& paths,
+                         const SourceStreams& streams) {
+  try {
+    return run(options, paths, streams);
+  } catch (const IncompleteInput& error) {
+    return failed(ExitCode::Failed, error.what() + std::string(kTolerantHint));
+  } catch (const std::exception& error) {
+    return failed(ExitCode::Failed, failure_message(error, options.source));
+  }
+}
+
+}  // namespace quillory::cli
