@@ -166,10 +166,12 @@ bool MainWindow::openDocument(const QString& path) {
       break;
   }
   showDocument(path);
-  showReport(controller_.opening_report(), tr("Opened %1: %2 clips, %3 templates.")
-                                               .arg(name)
-                                               .arg(controller_.source().clips.size())
-                                               .arg(controller_.source().templates.size()));
+  const auto& source = controller_.source();
+  // A document without master clips most often holds an edit.
+  const bool edit_only = source.clips.empty() && !source.sequences.empty() && !controller_.titles_over_sequence();
+  showReport(controller_.opening_report(),
+             tr("Opened %1: %2 clips, %3 templates.").arg(name).arg(source.clips.size()).arg(source.templates.size()) +
+                 (edit_only ? tr(" It holds no master clip: choose one of its sequences under Source:.") : QString()));
   return true;
 }
 
