@@ -66,7 +66,7 @@ class Controller {
 
   // How the template the form chooses draws its text, and the frame of the clips' media.
   TitleStyle title_style(const Form& form) const;
-  FrameSize frame_size() const { return quillory::frame_size(source_.clips); }
+  FrameSize frame_size() const { return frame_size_; }
 
   // What tolerant reading assumed while opening.
   AssumptionReport opening_report() const;
@@ -88,6 +88,7 @@ class Controller {
   OutputPaths paths_;
   OpenedSource source_;
   FileDisplay display_;
+  FrameSize frame_size_;  // of the open document's clips, found once: every preview draws on it
 };
 
 }  // namespace quillory
