@@ -11,13 +11,9 @@
 namespace quillory {
 namespace {
 
-bool named(const xmlNode* node, const char* name) {
-  return node != nullptr && node->type == XML_ELEMENT_NODE && xmlStrEqual(node->name, BAD_CAST name);
-}
-
 bool inside_a_clip_item(const xmlNode* node) {
   for (const xmlNode* up = node->parent; up != nullptr; up = up->parent) {
-    if (named(up, "clipitem")) return true;
+    if (xml::is_element(up, "clipitem")) return true;
   }
   return false;
 }
@@ -49,7 +45,7 @@ long long cut_point(const xmlNode* transition) {
 }
 
 bool is_item(const xmlNode* node) {
-  return named(node, "clipitem") || named(node, "transitionitem") || named(node, "generatoritem");
+  return xml::is_element(node, "clipitem") || xml::is_element(node, "transitionitem") || xml::is_element(node, "generatoritem");
 }
 
 const xmlNode* item_beside(const xmlNode* item, bool after) {
@@ -76,13 +72,13 @@ std::optional<Span> span_of(const xmlNode* item) {
   span.anchor = span.start;
   if (span.start == -1) {
     const xmlNode* before = item_beside(item, false);
-    if (!named(before, "transitionitem")) return std::nullopt;
+    if (!xml::is_element(before, "transitionitem")) return std::nullopt;
     span.start = cut_point(before);
     span.anchor = integer_child(before, "start");
   }
   if (span.end == -1) {
     const xmlNode* after = item_beside(item, true);
-    if (!named(after, "transitionitem")) return std::nullopt;
+    if (!xml::is_element(after, "transitionitem")) return std::nullopt;
     span.end = cut_point(after);
   }
   if (span.start >= span.end) return std::nullopt;
@@ -101,7 +97,7 @@ bool generated_media(const xmlNode* item, const DocumentIndex& index) {
 }
 
 bool can_be_seen(const xmlNode* item, const DocumentIndex& index) {
-  return named(item, "clipitem") && !switched_off(item) && !generated_media(item, index);
+  return xml::is_element(item, "clipitem") && !switched_off(item) && !generated_media(item, index);
 }
 
 std::vector<Span> visible_spans(const xmlNode* sequence, const DocumentIndex& index) {
@@ -249,14 +245,14 @@ ClipRecord shot_record(const Span& span, long long start, long long end,
 
 DocumentIndex::DocumentIndex(xmlDoc* doc) {
   xml::walk_elements(xml::as_node(doc), [this](xmlNode* element) {
-    if (named(element, "sequence")) {
+    if (xml::is_element(element, "sequence")) {
       if (!inside_a_clip_item(element)) top_level_.push_back(element);
       const xmlNode* name = xml::first_child_element(element, "name");
       const auto id = xml::attribute(element, "id");
       if (id && name != nullptr) sequence_names_.emplace(*id, xml::text_content(name));
-    } else if (named(element, "file") && element->children != nullptr) {
+    } else if (xml::is_element(element, "file") && element->children != nullptr) {
       if (const auto id = xml::attribute(element, "id")) files_.emplace(*id, element);
-    } else if (named(element, "clip")) {
+    } else if (xml::is_element(element, "clip")) {
       if (const auto id = xml::attribute(element, "id")) master_clips_.emplace(*id, element);
     }
   });

@@ -43,9 +43,9 @@ Colour colour(const xmlNode* value, Colour otherwise) {
 // built-in template's fragment.
 const xmlNode* generator_of(const TitleTemplate& title) {
   if (title.xml == nullptr) return nullptr;
-  if (xmlStrEqual(title.xml->name, BAD_CAST "generatoritem")) return title.xml;
+  if (xml::is_element(title.xml, "generatoritem")) return title.xml;
   for (const xmlNode* node = title.xml; node != nullptr; node = node->next) {
-    if (node->type == XML_ELEMENT_NODE && xmlStrEqual(node->name, BAD_CAST "generatoritem")) return node;
+    if (xml::is_element(node, "generatoritem")) return node;
     if (const xmlNode* inside = xml::first_descendant(node, "generatoritem")) return inside;
   }
   return nullptr;

@@ -19,10 +19,6 @@
 namespace quillory {
 namespace {
 
-bool named(const xmlNode* node, const char* name) {
-  return node->type == XML_ELEMENT_NODE && xmlStrEqual(node->name, BAD_CAST name);
-}
-
 xmlNode* shallow_copy(const xmlNode* node, xmlDoc* output) {
   xmlNode* copy = xmlDocCopyNode(const_cast<xmlNode*>(node), output, 2);
   if (copy == nullptr) throw std::bad_alloc();
@@ -59,7 +55,7 @@ struct SequenceCopy {
     xmlNode* copy = shallow_copy(source, document.get());
     for (const xmlNode* child = source->children; child != nullptr; child = child->next) {
       if (xmlIsBlankNode(const_cast<xmlNode*>(child))) continue;
-      if (named(child, "media")) {
+      if (xml::is_element(child, "media")) {
         xmlAddChild(copy, copy_media(child));
       } else {
         xmlAddChild(copy, clean_copy(child, document.get()).release());
@@ -72,15 +68,15 @@ struct SequenceCopy {
     xmlNode* copy = shallow_copy(media, document.get());
     for (const xmlNode* kind = media->children; kind != nullptr; kind = kind->next) {
       if (xmlIsBlankNode(const_cast<xmlNode*>(kind))) continue;
-      const bool video = named(kind, "video");
-      if (!video && !named(kind, "audio")) {
+      const bool video = xml::is_element(kind, "video");
+      if (!video && !xml::is_element(kind, "audio")) {
         xmlAddChild(copy, clean_copy(kind, document.get()).release());
         continue;
       }
       xmlNode* kind_copy = xmlAddChild(copy, shallow_copy(kind, document.get()));
       for (const xmlNode* child = kind->children; child != nullptr; child = child->next) {
         if (xmlIsBlankNode(const_cast<xmlNode*>(child))) continue;
-        if (!named(child, "track")) {
+        if (!xml::is_element(child, "track")) {
           xmlAddChild(kind_copy, clean_copy(child, document.get()).release());
           continue;
         }

@@ -154,4 +154,8 @@ long long leading_integer(const std::string& text) {
   return negative ? -value : value;
 }
 
+bool is_element(const xmlNode* node, const char* name) {
+  return node != nullptr && node->type == XML_ELEMENT_NODE && xmlStrEqual(node->name, BAD_CAST name);
+}
+
 }  // namespace quillory::xml

@@ -19,6 +19,9 @@ std::string text_content(const xmlNode* node);
 // "name" selects), or null.
 xmlNode* first_child_element(const xmlNode* parent, const char* name);
 
+// Whether `node` is an element named `name`; false for none.
+bool is_element(const xmlNode* node, const char* name);
+
 // The last child element with the given name, or null.
 xmlNode* last_child_element(const xmlNode* parent, const char* name);
 
