@@ -15,16 +15,16 @@ namespace quillory {
 class ContentDigest {
  public:
   ContentDigest();
-  ~ContentDigest();
-  ContentDigest(const ContentDigest&) = delete;
-  ContentDigest& operator=(const ContentDigest&) = delete;
 
   void add(std::string_view bytes);
   // The digest of every byte added, as 32 hexadecimal digits.
   std::string text() const;
 
  private:
-  XXH3_state_s* state_;
+  struct Free {
+    void operator()(XXH3_state_s* state) const noexcept;
+  };
+  std::unique_ptr<XXH3_state_s, Free> state_;
 };
 
 }  // namespace quillory
