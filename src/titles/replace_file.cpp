@@ -12,8 +12,8 @@
 #include <cstdio>
 #include <optional>
 #include <random>
+#include <semaphore>
 #include <system_error>
-#include <thread>
 #include <vector>
 
 namespace quillory {
@@ -32,8 +32,10 @@ struct Slot {
   std::atomic<int> state{kFree};
   char path[4096];
 };
-// As many files as a run writes at once; more writers wait for a slot.
-std::array<Slot, 64> slots;
+// As many files as a run writes at once; more writers sleep until one is released.
+constexpr std::ptrdiff_t kSlots = 64;
+std::array<Slot, kSlots> slots;
+std::counting_semaphore<kSlots> free_slots{kSlots};
 
 [[noreturn]] void fail(const std::string& what, const std::string& path, int error) {
   throw std::system_error(error, std::generic_category(), "quillory: cannot " + what + " " + path);
@@ -50,13 +52,14 @@ void hand_over(Slot& slot, int from, int to) {
   if (!slot.state.compare_exchange_strong(from, to)) wait_for_the_end();
 }
 
+// Holding one of the free slots' count, a writer finds one free slot among them.
 Slot& claim_slot() {
+  free_slots.acquire();
   for (;;) {
     for (Slot& slot : slots) {
       int free = kFree;
       if (slot.state.compare_exchange_strong(free, kClaimed)) return slot;
     }
-    std::this_thread::yield();
   }
 }
 
@@ -140,7 +143,10 @@ class TemporaryFile {
   }
 
  private:
-  void release() { slot_.state.store(kFree); }
+  void release() {
+    slot_.state.store(kFree);
+    free_slots.release();
+  }
 
   std::string path_;
   Slot& slot_;
