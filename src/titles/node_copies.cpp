@@ -15,11 +15,38 @@ bool is_blank(const xmlNode* node) {
   return true;
 }
 
+// A processing instruction named "xml" inside a document is the declaration of another one
+// pasted into it, which the recovering parser keeps. No document may hold one there: a copy
+// leaves it out, or else the written document would not parse.
+bool is_stray_declaration(const xmlNode* node) {
+  return node->type == XML_PI_NODE && xmlStrcasecmp(node->name, BAD_CAST "xml") == 0;
+}
+
+void remove_stray_declarations(xmlNode* element) {
+  for (xmlNode* child = element->children; child != nullptr;) {
+    xmlNode* next = child->next;
+    if (is_stray_declaration(child)) {
+      xmlUnlinkNode(child);
+      xmlFreeNode(child);
+    } else if (child->type == XML_ELEMENT_NODE) {
+      remove_stray_declarations(child);
+    }
+    child = next;
+  }
+}
+
+xml::Node copy_without_stray_declarations(const xmlNode* node, xmlDoc* output) {
+  xml::Node copy(xmlDocCopyNode(const_cast<xmlNode*>(node), output, 1));
+  if (!copy) throw std::bad_alloc();
+  if (copy->type == XML_ELEMENT_NODE) remove_stray_declarations(copy.get());
+  return copy;
+}
+
 xmlNode* append_copies(xmlNode* parent, xmlNode* first) {
   xmlNode* last_element = nullptr;
   for (xmlNode* source = first; source != nullptr; source = source->next) {
-    xml::Node copy(xmlDocCopyNode(source, parent->doc, 1));
-    if (!copy) throw std::bad_alloc();
+    if (is_stray_declaration(source)) continue;
+    xml::Node copy = copy_without_stray_declarations(source, parent->doc);
     const bool is_element = copy->type == XML_ELEMENT_NODE;
     xmlNode* added = xmlAddChild(parent, copy.release());  // may merge and free a text node
     if (is_element) last_element = added;
@@ -30,7 +57,9 @@ xmlNode* append_copies(xmlNode* parent, xmlNode* first) {
 }  // namespace
 
 xml::Node clean_copy(const xmlNode* node, xmlDoc* output) {
-  xml::Node copy(xmlDocCopyNode(const_cast<xmlNode*>(node), output, 1));
+  // A stray declaration's copy is empty text, which the writer writes as nothing.
+  xml::Node copy = is_stray_declaration(node) ? xml::Node(xmlNewDocText(output, BAD_CAST ""))
+                                              : copy_without_stray_declarations(node, output);
   if (!copy) throw std::bad_alloc();
   if (copy->type == XML_ELEMENT_NODE) remove_formatting_blanks(copy.get());
   return copy;
@@ -40,9 +69,8 @@ xmlNode* append_copy(xmlNode* parent, xmlNode* node) {
   if (node->type == XML_DOCUMENT_NODE || node->type == XML_HTML_DOCUMENT_NODE) {
     return append_copies(parent, node->children);
   }
-  xml::Node copy(xmlDocCopyNode(node, parent->doc, 1));
-  if (!copy) throw std::bad_alloc();
-  return xmlAddChild(parent, copy.release());
+  if (is_stray_declaration(node)) return nullptr;
+  return xmlAddChild(parent, copy_without_stray_declarations(node, parent->doc).release());
 }
 
 void remove_formatting_blanks(xmlNode* element) {

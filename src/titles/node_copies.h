@@ -1,5 +1,6 @@
 #pragma once
-// Copies of source nodes as the output document takes them.
+// Copies of source nodes as the output document takes them: never with a processing
+// instruction that would make it fail to parse (another document's declaration).
 
 #include "xml/xml_handles.h"
 
