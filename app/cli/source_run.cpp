@@ -5,6 +5,7 @@
 
 #include "listing.h"
 #include "form/controller.h"
+#include "titles/destination.h"
 #include "source/incomplete_input.h"
 
 namespace quillory::cli {
@@ -20,8 +21,11 @@ void print_report(const AssumptionReport& report, std::ostream& err) {
   if (!report.summary.empty()) err << report.summary << "\n";
 }
 
-// "--output -": the document itself goes to standard output.
-bool writes_to_standard_output(const Options& options) { return options.output == "-"; }
+// "--output -", or a path to the stream standard output is (/dev/stdout): the document itself
+// goes to standard output, alone.
+bool writes_to_standard_output(const Options& options) {
+  return options.output == "-" || (options.output && names_stream(*options.output, STDOUT_FILENO));
+}
 
 // The progress lines go to standard output, unless that carries what the user asked to see.
 std::unique_ptr<LineSink> progress_sink(const Options& options, const SourceStreams& streams) {
@@ -70,6 +74,10 @@ void show(const Options& options, const Controller& controller, const Form& form
 }
 
 SourceOutcome run(const Options& options, const OutputPaths& paths, const SourceStreams& streams) {
+  const bool to_standard_output = writes_to_standard_output(options);
+  const auto path = options.output ? options.output : paths.TEMP_XML_FILE;
+  // An output no document can go to is refused before the source is read.
+  if (!options.list && !options.preview && !to_standard_output && path) delivery_to(*path);
   const auto progress = progress_sink(options, streams);
   Controller controller(paths);
   const Form form = form_from_options(options);
@@ -97,8 +105,6 @@ SourceOutcome run(const Options& options, const OutputPaths& paths, const Source
     show(options, controller, form, streams);
     return {};
   }
-  const bool to_standard_output = writes_to_standard_output(options);
-  const auto path = options.output ? options.output : controller.paths().TEMP_XML_FILE;
   AssumptionReport report;
   {
     const auto display = streams.display(*progress);

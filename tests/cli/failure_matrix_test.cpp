@@ -5,12 +5,19 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/mount.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <cstring>
 #include <filesystem>
+#include <future>
 #include <thread>
 
 #include "test_support.h"
@@ -93,7 +100,7 @@ TEST(FailureMatrix, EveryFaultEndsWithOneLocatedMessageAndThePreviousOutput) {
       {"nested past the limit", nested(266), {"Excessive depth", "nested more than 256 deep"}},
       {"text node of 100 MB", test::xmeml("<clip><name>" + std::string(100 << 20, 'x') + "</name></clip>"), {"huge text node"}},
       {"output folder missing", clip(), {"cannot create a temporary file beside"}, {}, Row::OutputMissing},
-      {"output path is a folder", clip(), {"cannot replace", "Is a directory"}, {}, Row::OutputFolder},
+      {"output path is a folder", clip(), {"is a folder", "nothing was written"}, {}, Row::OutputFolder},
       {"read-only output folder", clip(), {"cannot create a temporary file beside"}, {}, Row::OutputReadOnly},
       {"full disk", clip(), {"cannot write", "No space left on device"}, {}, Row::FullDisk},
       {"stopped while writing", test::xmeml(test::file_definition("f", "a.mov") + many), {}, {}, Row::Stopped, 128 + SIGTERM},
@@ -247,6 +254,91 @@ TEST(FailureMatrix, EdgesWriteWhereTheUserMeantAndKeepTheirFiles) {
   EXPECT_EQ(repaired.exit_code, 0) << repaired.err;
   EXPECT_NE(test::read_file(dir.file("repaired.xml")).find("caf"), std::string::npos);
   EXPECT_EQ(test::read_file(source), clip());
+}
+
+// Outputs that are not regular files: a device, a pipe or a socket is written into, a folder or
+// a block device refused before the source is read; each stays what it was.
+TEST(FailureMatrix, OutputsThatAreNotFilesAreWrittenIntoOrRefusedAndStayWhatTheyWere) {
+  const test::TempDir dir;
+  const std::string source = dir.file("source.xml");
+  test::write_file(source, clip());
+  const std::vector<std::string> env{"XDG_DATA_HOME=" + dir.path().string()};
+  ASSERT_EQ(test::run_command({QUILLORY_BINARY, "--quiet", "--output", dir.file("plain.xml"), source}, env)
+                .exit_code, 0);
+  const std::string expected = test::read_file(dir.file("plain.xml"));
+  enum Kind { Device, Pipe, Socket, StandardOutput, Substitution, Folder, BlockDevice };
+  const std::pair<const char*, Kind> rows[] = {
+      {"character device", Device}, {"named pipe with a reader", Pipe}, {"listening socket", Socket},
+      {"/dev/stdout into a pipe", StandardOutput}, {"a shell's >(...)", Substitution},
+      {"folder", Folder}, {"block device", BlockDevice}};
+  for (const auto& [name, kind] : rows) {
+    SCOPED_TRACE(name);
+    const std::string output = dir.file(std::string("out") + std::to_string(kind));
+    int listening = -1;
+    if (kind == Socket) {
+      sockaddr_un address{AF_UNIX, {}};
+      std::strcpy(address.sun_path, output.c_str());
+      listening = ::socket(AF_UNIX, SOCK_STREAM, 0);
+      ASSERT_EQ(::bind(listening, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+      ASSERT_EQ(::listen(listening, 1), 0);
+    }
+    if (kind == Pipe) {
+      ASSERT_EQ(::mkfifo(output.c_str(), 0600), 0);
+    }
+    if (kind == Folder) fs::create_directory(output);
+    const bool device = kind == Device || kind == BlockDevice;
+    if (device && ::mknod(output.c_str(), kind == Device ? S_IFCHR | 0666 : S_IFBLK | 0600,
+                          kind == Device ? makedev(1, 3) : makedev(7, 0)) != 0) {
+      std::cout << "[ SKIPPED  ] " << name << ": cannot make a device here\n";
+      continue;
+    }
+    const auto type = fs::symlink_status(output).type();
+    // The reader of a pipe or socket; once the run is over, an empty write of our own ends it
+    // should the run never have opened it.
+    auto reader = std::async(std::launch::async, [&, kind = kind] {
+      if (kind == Pipe) return test::read_file(output);
+      if (kind != Socket) return std::string();
+      std::string got;
+      const int connection = ::accept(listening, nullptr, nullptr);
+      char block[4096];
+      for (ssize_t n; (n = ::read(connection, block, sizeof block)) > 0;) got.append(block, n);
+      ::close(connection);
+      return got;
+    });
+    // The refused rows name a source that does not exist: the output is refused before it.
+    const std::string from = kind >= Folder ? dir.file("missing.xml") : source;
+    std::vector<std::string> argv{QUILLORY_BINARY, "--output", output, from};
+    if (kind == StandardOutput) argv = {"/bin/sh", "-c", "\"$0\" --output /dev/stdout \"$1\" | cat", QUILLORY_BINARY, from};
+    if (kind == Substitution) {
+      argv = {"/bin/bash", "-c", "\"$0\" --quiet --output >(cat) \"$1\"; s=$?; wait $!; exit $s", QUILLORY_BINARY, from};
+    }
+    const auto result = test::run_command(argv, env);
+    if (kind == Pipe) ::close(::open(output.c_str(), O_WRONLY | O_NONBLOCK));
+    if (kind == Socket) {
+      const int ender = ::socket(AF_UNIX, SOCK_STREAM, 0);
+      sockaddr_un address{AF_UNIX, {}};
+      std::strcpy(address.sun_path, output.c_str());
+      ::connect(ender, reinterpret_cast<sockaddr*>(&address), sizeof address);
+      ::close(ender);
+    }
+    const std::string got = reader.get();
+    if (listening >= 0) ::close(listening);
+    EXPECT_EQ(fs::symlink_status(output).type(), type);
+    if (kind >= Folder) {
+      EXPECT_EQ(result.exit_code, 1);
+      EXPECT_EQ(result.err.rfind("quillory: the output " + output + " is a ", 0), 0U) << result.err;
+      EXPECT_EQ(result.out, "");
+      continue;
+    }
+    EXPECT_EQ(result.exit_code, 0) << result.err;
+    if (kind != Device) {
+      EXPECT_EQ(kind == Pipe || kind == Socket ? got : result.out, expected);
+    }
+    for (const auto& entry : fs::directory_iterator(dir.path())) {
+      EXPECT_EQ(entry.path().filename().string().find(".xml."), std::string::npos) << entry.path();
+      EXPECT_EQ(entry.path().filename().string().find("out" + std::to_string(kind) + "."), std::string::npos);
+    }
+  }
 }
 
 // Text given on the command line goes into the document as it stands: written so that an XML
