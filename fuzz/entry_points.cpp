@@ -1,7 +1,10 @@
 #include "entry_points.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -10,6 +13,7 @@
 #include "titles/create_fcp_xml.h"
 #include "titles/sequence_templates.h"
 #include "titles/titles_over_sequence.h"
+#include "xml/read_xml.h"
 
 namespace quillory::fuzz {
 namespace {
@@ -47,6 +51,21 @@ const std::string& output_path() {
     return folder + "/titles.xml";
   }();
   return path;
+}
+
+// What a run wrote must be a well-formed document as it stands: parsed again without
+// recovery, it gives no diagnostic. Anything else is a finding, reported as a crash.
+void require_well_formed(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream bytes;
+  bytes << file.rdbuf();
+  const auto parsed = xml::read_xml(bytes.str(), path, 0);
+  if (parsed.document && parsed.diagnostics.empty()) return;
+  for (const auto& diagnostic : parsed.diagnostics) {
+    std::fprintf(stderr, "%s\n", xml::describe(diagnostic, path).c_str());
+  }
+  std::fprintf(stderr, "the document written is not well-formed XML\n");
+  std::abort();
 }
 
 }  // namespace
@@ -89,6 +108,7 @@ void create(const std::uint8_t* data, std::size_t size) {
   settings.template_name = source.templates[data[1] % source.templates.size()].name;
   settings.sequence_name = "fuzz";
   NullSink out;
+  std::filesystem::remove(output_path());
   try {
     if (over_sequence) {
       create_titles_over_sequence(source.templates, source.clips, source.sequence, settings,
@@ -97,7 +117,9 @@ void create(const std::uint8_t* data, std::size_t size) {
       create_fcp_xml(source.templates, source.clips, settings, output_path(), out);
     }
   } catch (const std::exception&) {
+    return;
   }
+  require_well_formed(output_path());
 }
 
 }  // namespace quillory::fuzz

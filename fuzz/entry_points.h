@@ -1,8 +1,8 @@
 #pragma once
 // What the fuzz targets run on each input, also run by the test suite on every input kept in
 // fuzz/regressions/. Each returns normally for any input: an input the core refuses ends in
-// the exception it throws, which is caught here; only a crash, a leak, a hang or a sanitizer's
-// report is a finding.
+// the exception it throws, which is caught here; only a crash, a leak, a hang, a sanitizer's
+// report or a written document that a strict parse does not take without a word is a finding.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +16,8 @@ void load(const std::uint8_t* data, std::size_t size);
 void open(const std::uint8_t* data, std::size_t size);
 
 // Opening, then creating titles into a temporary folder; the first eight bytes choose the
-// settings (tolerant, import-safe, Timecode Reader, template, rate, the five lines).
+// settings (tolerant, import-safe, Timecode Reader, template, rate, the five lines). What is
+// written is parsed again without recovery, and aborts on any diagnostic.
 void create(const std::uint8_t* data, std::size_t size);
 
 }  // namespace quillory::fuzz
