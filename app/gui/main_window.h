@@ -62,9 +62,8 @@ class MainWindow : public QMainWindow {
   template <typename Work>
   auto offThread(const QString& message, Work work);
   void showReport(const AssumptionReport& report, const QString& status);
-  // Holds what the last open that got past the xmeml check read.
+  // Holds what the last open that got past the xmeml check read, and the document's path.
   Controller controller_;
-  QString source_path_;  // of the document the window shows; empty before the first
 
   FormPanel* form_ = nullptr;
   DocumentBar* document_ = nullptr;
