@@ -4,7 +4,6 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QDir>
 #include <QDragEnterEvent>
 #include <QEventLoop>
 #include <QDropEvent>
@@ -246,9 +245,17 @@ void MainWindow::showReport(const AssumptionReport& report, const QString& statu
 }
 
 QString MainWindow::suggestedCopy() const {
-  const std::string name = form_->form().nameField;
-  return QDir(last_folder_)
-      .filePath(name.empty() ? QStringLiteral("Titles.xml") : QString::fromStdString(name) + ".xml");
+  const QString folder = QFileInfo(shown_path(controller_.document_path())).absolutePath();
+  return shown_path(controller_.copy_path(local_path(folder), form_->form()));
+}
+
+QString MainWindow::copyRefusal(const QString& target) const {
+  try {
+    controller_.refuse_copy_target(local_path(target));
+  } catch (const std::exception& refusal) {
+    return QString::fromStdString(refusal.what());
+  }
+  return {};
 }
 
 bool MainWindow::saveOutputCopyTo(const QString& target) {

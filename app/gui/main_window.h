@@ -57,6 +57,8 @@ class MainWindow : public QMainWindow {
   void chooseDocument();
   void showDocument(const QString& path);
   QString suggestedCopy() const;
+  // Why a copy of the titles may not go to `target`; empty when it may.
+  QString copyRefusal(const QString& target) const;
   void updateActions();
   // Runs `work` on a worker thread and returns what it returns.
   template <typename Work>
