@@ -147,16 +147,17 @@ Form FormPanel::form() const {
   return form;
 }
 
-void FormPanel::chooseMasterClips() {
+void FormPanel::showSource(const Controller& controller) {
   const QSignalBlocker quiet(source_menu_);
-  source_menu_->setCurrentIndex(0);
+  select_text(source_menu_, QString::fromStdString(controller.source_choice()));
+  rate_menu_->setEnabled(!controller.titles_over_sequence());
 }
 
 void FormPanel::showDocument(const Controller& controller) {
   QStringList sources{QString::fromUtf8(kMasterClips)};
   for (const auto& sequence : controller.source().sequences) sources << QString::fromStdString(sequence.name);
   refill(source_menu_, sources, sources.front());
-  rate_menu_->setEnabled(!controller.titles_over_sequence());
+  showSource(controller);
   QStringList templates;
   for (const auto& title : controller.source().templates) templates << QString::fromStdString(title.name);
   refill(template_menu_, templates, QString());

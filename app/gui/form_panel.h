@@ -28,8 +28,9 @@ class FormPanel : public QWidget {
   // the chosen ones where it still has them, and names the sequence after it: the document,
   // or the sequence whose shots are titled, whose rate the titles then take.
   void showDocument(const Controller& controller);
-  // Back to the master clips, as a newly opened document starts.
-  void chooseMasterClips();
+  // Selects under "Source:" what the controller's open document was read from: after a
+  // failed open, what the controller still holds.
+  void showSource(const Controller& controller);
   QComboBox* sourceMenu() const { return source_menu_; }
 
   void restore(const FormSettings& values);

@@ -4,7 +4,6 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QDir>
 #include <QDragEnterEvent>
 #include <QEventLoop>
 #include <QDropEvent>
@@ -39,6 +38,7 @@ namespace quillory::gui {
 namespace {
 
 std::string local_path(const QString& path) { return QFile::encodeName(path).toStdString(); }
+QString shown_path(const std::string& path) { return QFile::decodeName(QByteArray::fromStdString(path)); }
 
 // A single local .xml file, the only thing the window takes by drag and drop.
 QString dropped_document(const QMimeData* mime) {
@@ -77,7 +77,8 @@ MainWindow::MainWindow(OutputPaths paths, QWidget* parent)
   connect(create_button_, &QPushButton::clicked, this, &MainWindow::createTitles);
   // How a document is read changes what it gives: read the open one again.
   const auto read_again = [this] {
-    if (!source_path_.isEmpty()) openDocument(source_path_);
+    const std::string& open = controller_.document_path();
+    if (!open.empty()) openDocument(shown_path(open));
   };
   connect(document_->tolerantBox(), &QCheckBox::toggled, this, read_again);
   connect(form_->sourceMenu(), &QComboBox::currentIndexChanged, this, read_again);
@@ -134,14 +135,19 @@ void MainWindow::chooseDocument() {
 bool MainWindow::openDocument(const QString& path) {
   if (busy_) return false;
   const QString name = QFileInfo(path).fileName();
+  const std::string file = local_path(path);
+  Form values = form();
   // A sequence chosen in one document means nothing in another.
-  if (path != source_path_) form_->chooseMasterClips();
-  preview_->setClips(nullptr);  // the clips it shows go with the open that replaces them
-  const OpenOutcome opened = offThread(tr("Opening %1…").arg(name), [this, file = local_path(path),
-                                                                      values = form()] {
+  if (file != controller_.document_path()) values.sourcePopup = kMasterClips;
+  // The window keeps showing the open document until the controller holds another: an open
+  // that fails leaves both as they were.
+  const OpenOutcome opened = offThread(tr("Opening %1…").arg(name), [this, file, values] {
     return controller_.get_info_from_clips(file, values, *progress_);
   });
   const QString error = QString::fromStdString(opened.error);
+  if (opened.status != OpenStatus::Opened && opened.status != OpenStatus::Broken) {
+    form_->showSource(controller_);  // a read again for another source may have failed
+  }
   switch (opened.status) {
     case OpenStatus::Unreadable:
       statusBar()->showMessage(tr("Could not open %1.").arg(name));
@@ -176,7 +182,6 @@ bool MainWindow::openDocument(const QString& path) {
 }
 
 void MainWindow::showDocument(const QString& path) {
-  source_path_ = path;
   output_->hide();  // the file written holds the previous document's titles
   document_->showDocument(controller_.display());
   form_->showDocument(controller_);
@@ -201,7 +206,7 @@ bool MainWindow::createTitles() {
   cancel_button_->show();
   const Outcome done = offThread(tr("Creating titles…"), [this, values = form(),
                                                          hint = document_->tolerantHint(),
-                                                         source = local_path(source_path_)] {
+                                                         source = controller_.document_path()] {
     Outcome outcome;
     try {
       outcome.report = controller_.create_fcp_xml(values, *progress_);
@@ -240,9 +245,17 @@ void MainWindow::showReport(const AssumptionReport& report, const QString& statu
 }
 
 QString MainWindow::suggestedCopy() const {
-  const std::string name = form_->form().nameField;
-  return QDir(last_folder_)
-      .filePath(name.empty() ? QStringLiteral("Titles.xml") : QString::fromStdString(name) + ".xml");
+  const QString folder = QFileInfo(shown_path(controller_.document_path())).absolutePath();
+  return shown_path(controller_.copy_path(local_path(folder), form_->form()));
+}
+
+QString MainWindow::copyRefusal(const QString& target) const {
+  try {
+    controller_.refuse_copy_target(local_path(target));
+  } catch (const std::exception& refusal) {
+    return QString::fromStdString(refusal.what());
+  }
+  return {};
 }
 
 bool MainWindow::saveOutputCopyTo(const QString& target) {

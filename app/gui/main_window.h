@@ -57,14 +57,15 @@ class MainWindow : public QMainWindow {
   void chooseDocument();
   void showDocument(const QString& path);
   QString suggestedCopy() const;
+  // Why a copy of the titles may not go to `target`; empty when it may.
+  QString copyRefusal(const QString& target) const;
   void updateActions();
   // Runs `work` on a worker thread and returns what it returns.
   template <typename Work>
   auto offThread(const QString& message, Work work);
   void showReport(const AssumptionReport& report, const QString& status);
-  // Holds what the last open that got past the xmeml check read.
+  // Holds what the last open that got past the xmeml check read, and the document's path.
   Controller controller_;
-  QString source_path_;  // of the document the window shows; empty before the first
 
   FormPanel* form_ = nullptr;
   DocumentBar* document_ = nullptr;

@@ -48,7 +48,8 @@ void MainWindow::buildWidgets() {
   create_button_->setObjectName(QStringLiteral("createButton"));
   create_button_->setToolTip(tr("Write the title sequence (Ctrl+Return)"));
   create_button_->setDefault(true);
-  output_ = new OutputBar(outputPath(), [this] { return suggestedCopy(); }, central);
+  output_ = new OutputBar(outputPath(), [this] { return suggestedCopy(); },
+                          [this](const QString& target) { return copyRefusal(target); }, central);
   auto* run_row = new QHBoxLayout;
   run_row->addWidget(create_button_);
   run_row->addWidget(output_, 1);

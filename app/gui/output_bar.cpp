@@ -36,10 +36,11 @@ void show_error(QWidget* parent, const QString& summary, const QString& message)
 }
 
 OutputBar::OutputBar(QString output_path, std::function<QString()> suggested_copy,
-                     QWidget* parent)
+                     std::function<QString(const QString&)> refusal, QWidget* parent)
     : QWidget(parent),
       output_path_(std::move(output_path)),
       suggested_copy_(std::move(suggested_copy)),
+      refusal_(std::move(refusal)),
       label_(new QLabel(this)),
       reveal_(new QPushButton(tr("&Show in Folder"), this)),
       save_copy_(new QPushButton(tr("Save a Cop&y…"), this)) {
@@ -77,6 +78,10 @@ void OutputBar::saveCopy() {
 bool OutputBar::saveCopyTo(const QString& target) {
   // Hidden, the bar stands for no titles of the open document: the file holds another's.
   if (isHidden()) return false;
+  if (const QString refused = refusal_(target); !refused.isEmpty()) {
+    show_error(window(), tr("Could not save a copy to %1.").arg(target), refused);
+    return false;
+  }
   QFile source(output_path_);
   QSaveFile copy(target);
   if (!copy_file(source, copy)) {

@@ -18,13 +18,14 @@ class OutputBar : public QWidget {
   Q_OBJECT
 
  public:
-  // `suggested_copy` gives the path the save dialog proposes.
+  // `suggested_copy` gives the path the save dialog proposes; `refusal`, why a copy may not go
+  // to a path (empty when it may).
   OutputBar(QString output_path, std::function<QString()> suggested_copy,
-            QWidget* parent = nullptr);
+            std::function<QString(const QString&)> refusal, QWidget* parent = nullptr);
 
   void showWritten();
   // Copies the output to `target`, replacing what is there only once the copy is complete;
-  // false, copying nothing, while the bar is hidden.
+  // false, copying nothing, while the bar is hidden or when `target` is refused.
   bool saveCopyTo(const QString& target);
 
   QPushButton* revealButton() const { return reveal_; }
@@ -35,6 +36,7 @@ class OutputBar : public QWidget {
 
   QString output_path_;
   std::function<QString()> suggested_copy_;
+  std::function<QString(const QString&)> refusal_;
   QLabel* label_;
   QPushButton* reveal_;
   QPushButton* save_copy_;

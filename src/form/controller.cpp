@@ -1,6 +1,7 @@
 #include "form/controller.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "startup/frame_rates.h"
 #include "titles/create_fcp_xml.h"
@@ -27,7 +28,8 @@ OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form&
       outcome.status == OpenStatus::NoSequence) {
     return outcome;
   }
-  display_ = FileDisplay{false, path, base_name(path)};
+  document_path_ = path;
+  source_choice_ = master_clips ? kMasterClips : *form.sourcePopup;
   source_ = std::move(opened);
   frame_size_ = quillory::frame_size(source_.clips);
   return outcome;
@@ -35,9 +37,8 @@ OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form&
 
 void Controller::require_creatable() const {
   if (!can_create()) {
-    fail(display_.xmlIconHidden
-             ? "no document is open"
-             : display_.xmlIconToolTip + " was not read whole; open it again once mended");
+    fail(document_path_.empty() ? "no document is open"
+                                : document_path_ + " was not read whole; open it again once mended");
   }
 }
 
@@ -76,12 +77,51 @@ AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out,
                                             const std::optional<std::string>& output_path) const {
   require_creatable();
   const auto& path = output_path ? output_path : paths_.TEMP_XML_FILE;
+  if (path) refuse_source(*path);
+  return create(form, path, out);
+}
+
+void Controller::refuse_source(const std::string& path) const {
   // Replacing the export with its titles would lose the user's only copy of it.
-  if (path && same_file(*path, display_.xmlIconToolTip)) {
-    fail("the output " + *path + " is the source " + display_.xmlIconToolTip +
+  if (!document_path_.empty() && same_file(path, document_path_)) {
+    fail("the output " + path + " is the source " + document_path_ +
          " itself; nothing was written: choose another output");
   }
-  return create(form, path, out);
+}
+
+void Controller::refuse_copy_target(const std::string& path) const {
+  refuse_source(path);
+  if (paths_.TEMP_XML_FILE && same_file(path, *paths_.TEMP_XML_FILE)) {
+    fail(path + " is the file the titles were written to, the one copied; nothing was written: "
+         "choose another place");
+  }
+}
+
+namespace {
+
+// Whether something, a dangling link included, already has this name. A name that cannot be
+// looked at counts as free: the save refuses it if it must.
+bool name_taken(const std::filesystem::path& path) {
+  std::error_code error;
+  const auto type = std::filesystem::symlink_status(path, error).type();
+  return type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none;
+}
+
+}  // namespace
+
+std::string Controller::copy_path(const std::string& folder, const Form& form) const {
+  std::string name = form.nameField.empty() ? "Titles" : form.nameField + " titles";
+  std::replace(name.begin(), name.end(), '/', '-');  // one file name, not a path
+  for (int number = 1;; ++number) {
+    const std::string numbered = number == 1 ? name : name + " " + std::to_string(number);
+    const std::filesystem::path path = std::filesystem::path(folder) / (numbered + ".xml");
+    if (!name_taken(path)) return path.string();
+  }
+}
+
+FileDisplay Controller::display() const {
+  if (document_path_.empty()) return {};
+  return FileDisplay{false, document_path_, base_name(document_path_)};
 }
 
 TitleSettings Controller::title_settings(const Form& form) const {
@@ -141,7 +181,7 @@ AssumptionReport Controller::opening_report() const {
 }
 
 std::string Controller::document_sequence_name() const {
-  return sequence_name_for(display_.xmlFileName);
+  return sequence_name_for(document_path_);
 }
 
 }  // namespace quillory

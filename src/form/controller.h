@@ -47,8 +47,9 @@ class Controller {
   bool can_create() const { return source_.status == OpenStatus::Opened; }
 
   // Writes the titles of the open document as `form` asks, to `output_path` or else to the
-  // Ferncroft folder's file. Throws when nothing can be created (see can_create), and as
-  // create_fcp_xml throws; the previous output file then stays as it was.
+  // Ferncroft folder's file. Throws when nothing can be created (see can_create), when the
+  // output is the open document (see refuse_source), and as create_fcp_xml throws; the
+  // previous output file then stays as it was.
   AssumptionReport create_fcp_xml(const Form& form, LineSink& out,
                                   const std::optional<std::string>& output_path = {}) const;
   // The same, written to the open `descriptor` (standard output) as it is made.
@@ -75,8 +76,22 @@ class Controller {
   // extension.
   std::string document_sequence_name() const;
 
+  // Throws when writing to `path` would replace the open document: the user's only copy of it.
+  void refuse_source(const std::string& path) const;
+  // Throws when a copy of the titles may not go to `path`: the open document, or the file the
+  // runs write, which the copy is made from.
+  void refuse_copy_target(const std::string& path) const;
+  // A path in `folder` for a copy of the titles that names no file yet: the sequence name
+  // `form` gives plus " titles", numbered from 2 when taken ("dailies titles 2.xml").
+  std::string copy_path(const std::string& folder, const Form& form) const;
+
+  // The open document's path; empty before one opens.
+  const std::string& document_path() const { return document_path_; }
+  // What "Source:" names for the open document: a sequence, or the master clips.
+  const std::string& source_choice() const { return source_choice_; }
+
   const OpenedSource& source() const { return source_; }
-  const FileDisplay& display() const { return display_; }
+  FileDisplay display() const;
   const OutputPaths& paths() const { return paths_; }
 
  private:
@@ -87,7 +102,8 @@ class Controller {
 
   OutputPaths paths_;
   OpenedSource source_;
-  FileDisplay display_;
+  std::string document_path_;
+  std::string source_choice_ = kMasterClips;
   FrameSize frame_size_;  // of the open document's clips, found once: every preview draws on it
 };
 

@@ -31,6 +31,7 @@ TEST_F(ControllerTest, TitlesComeOnlyFromADocumentReadWhole) {
   const std::string path = write("Edit 1.xml", media_clip("A", "f", 5, file_definition("f", "a.mov")) +
                                                    media_clip("B", "f", 5));
   EXPECT_EQ(controller.get_info_from_clips(path, form, out).status, OpenStatus::Opened);
+  EXPECT_EQ(controller.document_path(), path);
   EXPECT_FALSE(controller.display().xmlIconHidden);
   EXPECT_EQ(controller.display().xmlIconToolTip, path);
   EXPECT_EQ(controller.display().xmlFileName, "Edit 1.xml");
@@ -41,7 +42,7 @@ TEST_F(ControllerTest, TitlesComeOnlyFromADocumentReadWhole) {
             OpenStatus::NotXmeml);
   EXPECT_NE(controller.get_info_from_clips(dir.file("missing.xml"), form, out).error.find("missing.xml"),
             std::string::npos);
-  EXPECT_EQ(controller.display().xmlFileName, "Edit 1.xml");
+  EXPECT_EQ(controller.document_path(), path);
   EXPECT_TRUE(controller.can_create());
   EXPECT_EQ(controller.source().clips.size(), 2U);
 
@@ -57,6 +58,21 @@ TEST_F(ControllerTest, TitlesComeOnlyFromADocumentReadWhole) {
   form.tolerantCheckbox = kCheckboxOn;
   EXPECT_EQ(controller.get_info_from_clips(broken, form, out).status, OpenStatus::Opened);
   EXPECT_EQ(controller.source().clips.size(), 2U);
+}
+
+// A copy of the titles goes neither over the open document nor over the file it is made from,
+// and is proposed under a name no file has yet.
+TEST_F(ControllerTest, CopiesGoNeitherOverTheSourceNorTheOutput) {
+  const std::string path = write("dailies.xml", media_clip("A", "f", 5, file_definition("f", "a.mov")));
+  controller.get_info_from_clips(path, form, out);
+  form.nameField = "dailies";
+  EXPECT_EQ(controller.copy_path(dir.path().string(), form), dir.file("dailies titles.xml"));
+  test::write_file(dir.file("dailies titles.xml"), "");
+  EXPECT_EQ(controller.copy_path(dir.path().string(), form), dir.file("dailies titles 2.xml"));
+  EXPECT_THROW(controller.refuse_copy_target(dir.path().string() + "/./dailies.xml"), std::runtime_error);
+  controller.create_fcp_xml(form, out);
+  EXPECT_THROW(controller.refuse_copy_target(output), std::runtime_error);
+  EXPECT_NO_THROW(controller.refuse_copy_target(dir.file("dailies titles.xml")));
 }
 
 TEST_F(ControllerTest, SettingsFollowTheFormAtEachRun) {

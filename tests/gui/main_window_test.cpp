@@ -13,10 +13,12 @@
 #include <QTimer>
 #include <QDropEvent>
 #include <QFile>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QProcess>
 #include <QPushButton>
 #include <QSettings>
@@ -306,6 +308,50 @@ class MainWindowTest : public QObject {
     QVERIFY(window_->openDocument(kExample));
     QCOMPARE(sources->currentText(), QStringLiteral("Master Clips"));
     QVERIFY(control<QComboBox>("ratePopup")->isEnabled());
+  }
+
+  // An open that fails leaves the window showing what the controller still holds; a copy of the
+  // titles is proposed under a new name, and never goes over the source or the file copied.
+  void failedOpenAndCopyKeepTheSource() {
+    QTemporaryDir folder;
+    const QString edit = folder.filePath(QStringLiteral("edit.xml"));
+    QVERIFY(QFile::copy(QStringLiteral(QUILLORY_CASES "/sequence_track_two_over_track_one_titles_it_twice/input.xml"), edit));
+    const QByteArray source = read_all(edit);
+    QVERIFY(window_->openDocument(edit));
+    auto* sources = control<QComboBox>("sourcePopup");
+    sources->setCurrentIndex(1);
+    control<QComboBox>("previewClip")->setCurrentIndex(2);
+    const auto shown_state = [this] {
+      return QStringList{control<QComboBox>("sourcePopup")->currentText(), control<QComboBox>("previewClip")->currentText(),
+                         control<QPlainTextEdit>("previewText")->toPlainText(), QString::number(canCreate())};
+    };
+    const QStringList before = shown_state();
+    QVERIFY(!window_->openDocument(folder.filePath(QStringLiteral("missing.xml"))));
+    QCOMPARE(close_dialogs(window_.get()), 1);
+    QCOMPARE(shown_state(), before);
+    QVERIFY(window_->createTitles());
+    QCOMPARE(read_all(window_->outputPath()).count("<generatoritem id=\"Quillory Card "), 4);
+
+    QString proposed;
+    QTimer::singleShot(0, window_.get(), [this, &proposed] {
+      if (auto* dialog = window_->findChild<QFileDialog*>()) {
+        proposed = dialog->selectedFiles().value(0);
+        dialog->reject();
+      }
+    });
+    control<QPushButton>("saveCopyButton")->click();
+    QCOMPARE(proposed, folder.filePath(QStringLiteral("Over titles.xml")));
+    for (const QString& target : {edit, window_->outputPath()}) {
+      QVERIFY(!window_->saveOutputCopyTo(target));
+      QCOMPARE(close_dialogs(window_.get()), 1);
+    }
+    QCOMPARE(read_all(edit), source);
+
+    // Read again for another source, a document gone meanwhile keeps its sequence chosen.
+    QVERIFY(QFile::rename(edit, folder.filePath(QStringLiteral("moved.xml"))));
+    sources->setCurrentIndex(0);
+    QCOMPARE(close_dialogs(window_.get()), 1);
+    QCOMPARE(shown_state(), before);
   }
 
   // The drawn title: where its text falls for the template's origin and alignment, which
