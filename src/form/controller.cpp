@@ -67,7 +67,8 @@ AssumptionReport Controller::create(const Form& form, const Destination& to, Lin
       source_.sequence != nullptr
           ? create_titles_over_sequence(source_.templates, source_.clips, source_.sequence,
                                         title_settings(form), to, out)
-          : quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), to, out);
+          : quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), to, out,
+                                     source_.clip_rates);
   report.warnings.insert(report.warnings.begin(), source_.warnings.begin(), source_.warnings.end());
   return report;
 }
