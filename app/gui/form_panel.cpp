@@ -133,7 +133,8 @@ FormPanel::FormPanel(QWidget* parent)
 
 Form FormPanel::form() const {
   Form form;
-  if (source_menu_->currentIndex() >= 0) form.sourcePopup = source_menu_->currentText().toStdString();
+  // The first item is the master clips, whatever a sequence after it is named.
+  if (source_menu_->currentIndex() > 0) form.sourcePopup = source_menu_->currentText().toStdString();
   if (template_menu_->currentIndex() >= 0) form.templatePopup = template_menu_->currentText().toStdString();
   if (rate_menu_->currentIndex() >= 0) form.ratePopup = rate_menu_->currentText().toStdString();
   form.nameField = name_field_->text().toStdString();
@@ -153,9 +154,22 @@ void FormPanel::chooseMasterClips() {
 }
 
 void FormPanel::showDocument(const Controller& controller) {
-  QStringList sources{QString::fromUtf8(kMasterClips)};
-  for (const auto& sequence : controller.source().sequences) sources << QString::fromStdString(sequence.name);
-  refill(source_menu_, sources, sources.front());
+  // The menu shows what the controller read, found by element rather than by name: a sequence
+  // may be named like the first item.
+  const auto& source = controller.source();
+  {
+    const QSignalBlocker quiet(source_menu_);
+    source_menu_->clear();
+    source_menu_->addItem(QString::fromUtf8(kMasterClips));
+    int chosen = 0;
+    for (const auto& sequence : source.sequences) {
+      source_menu_->addItem(QString::fromStdString(sequence.name));
+      if (source.sequence != nullptr && sequence.element == source.sequence && chosen == 0) {
+        chosen = source_menu_->count() - 1;
+      }
+    }
+    source_menu_->setCurrentIndex(chosen);
+  }
   rate_menu_->setEnabled(!controller.titles_over_sequence());
   QStringList templates;
   for (const auto& title : controller.source().templates) templates << QString::fromStdString(title.name);

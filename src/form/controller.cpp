@@ -17,10 +17,8 @@ Controller::Controller(OutputPaths paths) : paths_(std::move(paths)) {}
 
 OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form& form,
                                             LineSink& out) {
-  const bool master_clips = !form.sourcePopup || *form.sourcePopup == kMasterClips;
   OpenedSource opened = quillory::get_info_from_clips(
-      path, built_in_template(), form.tolerantCheckbox == kCheckboxOn, out,
-      master_clips ? std::nullopt : form.sourcePopup);
+      path, built_in_template(), form.tolerantCheckbox == kCheckboxOn, out, form.sourcePopup);
   OpenOutcome outcome{opened.status, opened.error, opened.incomplete, {}};
   for (const auto& sequence : opened.sequences) outcome.sequences.push_back(sequence.name);
   if (outcome.status == OpenStatus::Unreadable || outcome.status == OpenStatus::NotXmeml ||
