@@ -235,7 +235,12 @@ bool MainWindow::createTitles() {
 // The warnings go to the log pane, the summary to the status line.
 void MainWindow::showReport(const AssumptionReport& report, const QString& status) {
   log_->showWarnings(report.warnings);
-  const QString summary = QString::fromStdString(report.summary).remove(QStringLiteral("quillory: "));
+  QString summary = QString::fromStdString(report.summary).remove(QStringLiteral("quillory: "));
+  // Warnings that need no assumption (a damaged document, a borrowed file) have no summary.
+  if (summary.isEmpty() && !report.warnings.empty()) {
+    const auto count = report.warnings.size();
+    summary = count == 1 ? tr("1 warning: see the log.") : tr("%1 warnings: see the log.").arg(count);
+  }
   statusBar()->showMessage(summary.isEmpty() ? status : status + QLatin1Char(' ') + summary);
 }
 
