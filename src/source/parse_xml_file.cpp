@@ -213,7 +213,7 @@ LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
 }
 
 LoadedDocument parse_xml_bytes(const std::string& bytes, const std::string& name, LineSink& out) {
-  xml::ParsedXml first = xml::read_xml(bytes, name, kFirstParseOptions);
+  xml::ParsedXml first = xml::read_xml_in_blocks(bytes, name, kFirstParseOptions);
   refuse_past_limits(first, name);
   xml::Document parsed = require_document(first, name);
   LoadedDocument document;

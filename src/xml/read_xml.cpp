@@ -3,6 +3,7 @@
 #include <libxml/HTMLparser.h>
 #include <libxml/parser.h>
 
+#include <algorithm>
 #include <climits>
 #include <stdexcept>
 
@@ -48,6 +49,25 @@ ParsedXml read_xml(std::string_view text, const std::string& source_name, int op
   const int length = checked_length(text, source_name);
   return parse_safely(source_name, options, [&](int safe_options) {
     return xmlReadMemory(text.data(), length, source_name.c_str(), nullptr, safe_options);
+  });
+}
+
+namespace {
+
+int read_block(void* context, char* buffer, int length) {
+  auto& rest = *static_cast<std::string_view*>(context);
+  const std::size_t count = std::min(rest.size(), static_cast<std::size_t>(length));
+  rest.copy(buffer, count);
+  rest.remove_prefix(count);
+  return static_cast<int>(count);
+}
+
+}  // namespace
+
+ParsedXml read_xml_in_blocks(std::string_view text, const std::string& source_name, int options) {
+  std::string_view rest = text;
+  return parse_safely(source_name, options, [&](int safe_options) {
+    return xmlReadIO(&read_block, nullptr, &rest, source_name.c_str(), nullptr, safe_options);
   });
 }
 

@@ -29,6 +29,10 @@ struct ParsedXml {
 // `options` are added to the safe defaults (XML_PARSE_NONET), e.g. XML_PARSE_RECOVER.
 ParsedXml read_xml(std::string_view text, const std::string& source_name, int options);
 
+// The same, with the text handed to the parser a block at a time, as a file is read: libxml2
+// holds a text node to its size limit only where the text arrives in pieces.
+ParsedXml read_xml_in_blocks(std::string_view text, const std::string& source_name, int options);
+
 // Parses text as an HTML fragment: the returned document's top-level nodes are the fragment's
 // nodes, with no implied html or body element. Throws when nothing could be parsed.
 Document read_html_fragment(std::string_view text, const std::string& source_name);
