@@ -306,6 +306,11 @@ class MainWindowTest : public QObject {
     QVERIFY(window_->openDocument(kExample));
     QCOMPARE(sources->currentText(), QStringLiteral("Master Clips"));
     QVERIFY(control<QComboBox>("ratePopup")->isEnabled());
+    // A sequence named like the first item is a sequence all the same.
+    QVERIFY(window_->openDocument(QStringLiteral(QUILLORY_CASES "/sequence_named_master_clips_is_titled_with_the_option/input.xml")));
+    sources->setCurrentIndex(1);
+    QCOMPARE(sources->currentIndex(), 1);
+    QVERIFY(!control<QComboBox>("ratePopup")->isEnabled());
   }
 
   // The drawn title: where its text falls for the template's origin and alignment, which
