@@ -133,7 +133,8 @@ FormPanel::FormPanel(QWidget* parent)
 
 Form FormPanel::form() const {
   Form form;
-  if (source_menu_->currentIndex() >= 0) form.sourcePopup = source_menu_->currentText().toStdString();
+  // The first item is the master clips, whatever a sequence after it is named.
+  if (source_menu_->currentIndex() > 0) form.sourcePopup = source_menu_->currentText().toStdString();
   if (template_menu_->currentIndex() >= 0) form.templatePopup = template_menu_->currentText().toStdString();
   if (rate_menu_->currentIndex() >= 0) form.ratePopup = rate_menu_->currentText().toStdString();
   form.nameField = name_field_->text().toStdString();
@@ -148,8 +149,16 @@ Form FormPanel::form() const {
 }
 
 void FormPanel::showSource(const Controller& controller) {
+  // Found by element rather than by name: a sequence may be named like the first item.
+  const auto& source = controller.source();
+  int chosen = 0;
+  for (std::size_t i = 0; i < source.sequences.size() && chosen == 0; ++i) {
+    if (source.sequence != nullptr && source.sequences[i].element == source.sequence) {
+      chosen = static_cast<int>(i) + 1;
+    }
+  }
   const QSignalBlocker quiet(source_menu_);
-  select_text(source_menu_, QString::fromStdString(controller.source_choice()));
+  source_menu_->setCurrentIndex(chosen);
   rate_menu_->setEnabled(!controller.titles_over_sequence());
 }
 

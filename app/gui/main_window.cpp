@@ -138,7 +138,7 @@ bool MainWindow::openDocument(const QString& path) {
   const std::string file = local_path(path);
   Form values = form();
   // A sequence chosen in one document means nothing in another.
-  if (file != controller_.document_path()) values.sourcePopup = kMasterClips;
+  if (file != controller_.document_path()) values.sourcePopup.reset();
   // The window keeps showing the open document until the controller holds another: an open
   // that fails leaves both as they were.
   const OpenOutcome opened = offThread(tr("Opening %1…").arg(name), [this, file, values] {
@@ -240,7 +240,12 @@ bool MainWindow::createTitles() {
 // The warnings go to the log pane, the summary to the status line.
 void MainWindow::showReport(const AssumptionReport& report, const QString& status) {
   log_->showWarnings(report.warnings);
-  const QString summary = QString::fromStdString(report.summary).remove(QStringLiteral("quillory: "));
+  QString summary = QString::fromStdString(report.summary).remove(QStringLiteral("quillory: "));
+  // Warnings that need no assumption (a damaged document, a borrowed file) have no summary.
+  if (summary.isEmpty() && !report.warnings.empty()) {
+    const auto count = report.warnings.size();
+    summary = count == 1 ? tr("1 warning: see the log.") : tr("%1 warnings: see the log.").arg(count);
+  }
   statusBar()->showMessage(summary.isEmpty() ? status : status + QLatin1Char(' ') + summary);
 }
 

@@ -18,10 +18,8 @@ Controller::Controller(OutputPaths paths) : paths_(std::move(paths)) {}
 
 OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form& form,
                                             LineSink& out) {
-  const bool master_clips = !form.sourcePopup || *form.sourcePopup == kMasterClips;
   OpenedSource opened = quillory::get_info_from_clips(
-      path, built_in_template(), form.tolerantCheckbox == kCheckboxOn, out,
-      master_clips ? std::nullopt : form.sourcePopup);
+      path, built_in_template(), form.tolerantCheckbox == kCheckboxOn, out, form.sourcePopup);
   OpenOutcome outcome{opened.status, opened.error, opened.incomplete, {}};
   for (const auto& sequence : opened.sequences) outcome.sequences.push_back(sequence.name);
   if (outcome.status == OpenStatus::Unreadable || outcome.status == OpenStatus::NotXmeml ||
@@ -29,7 +27,6 @@ OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form&
     return outcome;
   }
   document_path_ = path;
-  source_choice_ = master_clips ? kMasterClips : *form.sourcePopup;
   source_ = std::move(opened);
   frame_size_ = quillory::frame_size(source_.clips);
   return outcome;
@@ -68,7 +65,8 @@ AssumptionReport Controller::create(const Form& form, const Destination& to, Lin
       source_.sequence != nullptr
           ? create_titles_over_sequence(source_.templates, source_.clips, source_.sequence,
                                         title_settings(form), to, out)
-          : quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), to, out);
+          : quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), to, out,
+                                     source_.clip_rates);
   report.warnings.insert(report.warnings.begin(), source_.warnings.begin(), source_.warnings.end());
   return report;
 }

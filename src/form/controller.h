@@ -87,8 +87,6 @@ class Controller {
 
   // The open document's path; empty before one opens.
   const std::string& document_path() const { return document_path_; }
-  // What "Source:" names for the open document: a sequence, or the master clips.
-  const std::string& source_choice() const { return source_choice_; }
 
   const OpenedSource& source() const { return source_; }
   FileDisplay display() const;
@@ -103,7 +101,6 @@ class Controller {
   OutputPaths paths_;
   OpenedSource source_;
   std::string document_path_;
-  std::string source_choice_ = kMasterClips;
   FrameSize frame_size_;  // of the open document's clips, found once: every preview draws on it
 };
 

@@ -13,12 +13,13 @@ namespace quillory {
 // A checkbox's state: 1 on, 0 off, -1 mixed. Only "on" switches anything on.
 inline constexpr int kCheckboxOn = 1;
 
-// The first item of the source menu: the document's master clips rather than a sequence.
+// The title of the source menu's first item: the document's master clips rather than a
+// sequence.
 inline constexpr const char* kMasterClips = "Master Clips";
 
 struct Form {
-  // "Source:": "Master Clips" (or none), or the name of a top-level sequence whose shots are
-  // titled.
+  // "Source:": none for its first item, the master clips; else the name of the top-level
+  // sequence whose shots are titled, whatever that name is ("Master Clips" too).
   std::optional<std::string> sourcePopup;
   // The selected template's title; none, or a title no template has: the first template.
   std::optional<std::string> templatePopup;

@@ -39,6 +39,7 @@ class FileReader {
 
   MediaFileRecord read(xmlNode* file) {
     MediaFileRecord record;
+    record.xml = file;
     made_ = &record.assumptions;
     const xmlNode* name = xml::first_child_element(file, "name");
     if (name == nullptr) {

@@ -107,6 +107,7 @@ class ClipReader {
     }
     const std::optional<std::string> file_id = xml::attribute(file, "id");
     const MediaFileRecord* media = catalogue_.find(file_id);
+    if (!file_id && media != nullptr && media->xml != file) warn_borrowed_file(clip, name, file, *media);
     if (media == nullptr) {
       const std::string id = file_id ? "id \"" + shown(*file_id) + "\"" : "without an id";
       assume_or_fail(tolerant_, made,
@@ -115,6 +116,18 @@ class ClipReader {
                      "no <file> definition for its file " + id + ", file facts left empty");
     }
     return media;
+  }
+
+  // Files without ids all match the first definition without one: a clip whose own <file> has
+  // no id shows that one's facts, which may be another file's.
+  void warn_borrowed_file(const xmlNode* clip, const std::string& name, const xmlNode* file,
+                          const MediaFileRecord& media) {
+    const auto line = [](const xmlNode* node) { return std::to_string(xmlGetLineNo(node)); };
+    opened_.warnings.push_back(
+        "quillory: warning: clip " + std::to_string(opened_.clips.size() + 1) + " \"" +
+        shown(name) + "\" (line " + line(clip) + "): its <file> at line " + line(file) +
+        " has no id, so its file name, reel, timecode and date are those of the <file> without "
+        "an id at line " + line(media.xml));
   }
 
   // The text of the clip's logginginfo/`element`.
@@ -227,6 +240,15 @@ void read_clips(const xml::SharedDocument& doc, bool tolerant, OpenedSource& ope
   opened.clip_rates.assign(opened.clips.size(), sequence->rate);
 }
 
+// The recovering parser keeps what it read before a fault it could not mend, and nothing says
+// so but this.
+std::string damage_warning(const LoadedDocument::Damage& damage, std::size_t clips) {
+  return "quillory: warning: the document is damaged after line " + std::to_string(damage.line) +
+         " (" + damage.message + "); " + std::to_string(clips) +
+         (clips == 1 ? " clip was" : " clips were") +
+         " read before it; the titles may be incomplete";
+}
+
 }  // namespace
 
 std::string base_name(const std::string& path) {
@@ -289,6 +311,7 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
     opened.error = failure_message(error, path);
     return opened;
   }
+  if (loaded.damage) opened.warnings.push_back(damage_warning(*loaded.damage, opened.clips.size()));
   opened.rates_repeated = remove_duplicates(opened.frame_rates);
   opened.status = OpenStatus::Opened;
   return opened;

@@ -4,12 +4,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <cstdio>
 #include <fstream>
 #include <limits>
 #include <optional>
-#include <memory>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -90,8 +87,8 @@ void refuse_too_large(unsigned long long size, const std::string& path) {
 }
 
 // Opens the source for reading; throws with the system's reason, naming the path. A folder
-// opens, but cannot be read as a file.
-Descriptor open_source(const std::string& path, bool& regular) {
+// opens, but cannot be read as a file. `size` is that of a regular file, else 0.
+Descriptor open_source(const std::string& path, std::size_t& size) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) throw std::system_error(errno, std::generic_category(), "quillory: cannot open " + path);
   Descriptor source(fd);
@@ -99,14 +96,16 @@ Descriptor open_source(const std::string& path, bool& regular) {
   if (::fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
     throw std::system_error(EISDIR, std::generic_category(), "quillory: cannot read " + path);
   }
-  regular = S_ISREG(status.st_mode);
-  if (regular) refuse_too_large(static_cast<unsigned long long>(status.st_size), path);
+  size = S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
+  if (size > 0) refuse_too_large(size, path);
   return source;
 }
 
-// All that `fd` reads, for a source that cannot be read twice.
-std::string read_all(int fd, const std::string& path) {
+// All that `fd` reads, to its end: the one read of a source, whatever it is (a file that grows
+// meanwhile is read as far as it goes; a pipe has no size). `size` is only a hint.
+std::string read_all(int fd, const std::string& path, std::size_t size) {
   std::string bytes;
+  bytes.reserve(size);
   char buffer[1 << 16];
   for (;;) {
     const ssize_t count = ::read(fd, buffer, sizeof buffer);
@@ -141,35 +140,39 @@ std::string root_name_of(const xmlDoc* doc) {
   return reinterpret_cast<const char*>(doc->children->name);
 }
 
-}  // namespace
-
-std::string read_file_bytes(const std::string& path) {
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                       &std::fclose);
-  if (!file) {
-    throw std::system_error(errno, std::generic_category(), "quillory: cannot open " + path);
-  }
-  std::string bytes;
-  // The size is only a hint: reading goes on to the end whatever it says.
-  if (std::fseek(file.get(), 0, SEEK_END) == 0) {
-    const long size = std::ftell(file.get());
-    if (size > 0) bytes.reserve(static_cast<std::size_t>(size));
-    std::rewind(file.get());
-  }
-  char buffer[1 << 16];
-  std::size_t count = 0;
-  while ((count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0) bytes.append(buffer, count);
-  if (std::ferror(file.get())) {
-    throw std::system_error(errno, std::generic_category(), "quillory: cannot read " + path);
-  }
-  return bytes;
+LoadedDocument loaded(xml::Document document) {
+  LoadedDocument result;
+  result.root_name = root_name_of(document.get());
+  result.document = std::move(document);
+  return result;
 }
 
-namespace {
-
-LoadedDocument loaded(xml::Document document) {
-  std::string root = root_name_of(document.get());
-  return {std::move(document), std::move(root), {}};
+// Where the parser stood when it first found fault with the repaired text: the line list's
+// line that holds the last byte read before it (the good string has no line feeds of its own),
+// and the message the first parse gave at or after that line, whose line numbers are the
+// source's, else the repaired parse's own.
+LoadedDocument::Damage damage_of(const xml::ParsedXml& last, const std::vector<std::string>& lines,
+                                 const xml::ParsedXml& first) {
+  const xml::Diagnostic& fault = last.diagnostics.front();
+  LoadedDocument::Damage damage{static_cast<int>(lines.size()), fault.message};
+  if (fault.offset >= 0) {
+    std::size_t read = 0;
+    const auto before = static_cast<std::size_t>(fault.offset);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      read += lines[i].size();
+      if (read >= before) {
+        damage.line = static_cast<int>(i) + (before == 0 ? 0 : 1);
+        break;
+      }
+    }
+  }
+  for (const auto& diagnostic : first.diagnostics) {
+    if (diagnostic.line >= damage.line) {
+      damage.message = diagnostic.message;
+      break;
+    }
+  }
+  return damage;
 }
 
 // The text, `first` having found fault with it: the lines it names lose their invalid UTF-8,
@@ -196,44 +199,31 @@ LoadedDocument repaired(const std::string& bytes, const xml::ParsedXml& first,
   out.line(std::to_string(second.diagnostics.size()) + " errors parsing good_string!!!");
   for (auto& line : lines) line = repair_line(line);
   xml::ParsedXml third = xml::read_xml(join_lines(lines), name, kRepairedParseOptions);
-  return loaded(require_document(third, name));
-}
-
-}  // namespace
-
-namespace {
-
-// The document of a first parse that found nothing wrong, else of the repaired text, which
-// `bytes()` gives only then.
-template <typename Bytes>
-LoadedDocument checked(xml::ParsedXml& first, const std::string& name, LineSink& out,
-                       Bytes bytes) {
-  refuse_past_limits(first, name);
-  xml::Document document = require_document(first, name);
-  if (!first.diagnostics.empty()) return repaired(bytes(), first, name, out);
-  out.line("no errors parsing file!");
-  return loaded(std::move(document));
+  LoadedDocument result = loaded(require_document(third, name));
+  if (!third.diagnostics.empty()) result.damage = damage_of(third, lines, first);
+  return result;
 }
 
 }  // namespace
 
 LoadedDocument parse_xml_file(const std::string& path, LineSink& out) {
-  bool regular = false;
-  const Descriptor source = open_source(path, regular);
-  if (!regular) return parse_xml_bytes(read_all(source.get(), path), path, out);
-  // A well-formed file, the usual case, is parsed as it is read; only a file to repair is
-  // read whole.
-  ContentDigest digest;
-  xml::ParsedXml first = xml::read_xml_fd(source.get(), path, kFirstParseOptions,
-                                          [&](std::string_view bytes) { digest.add(bytes); });
-  LoadedDocument document = checked(first, path, out, [&] { return read_file_bytes(path); });
-  document.digest = digest.text();
-  return document;
+  std::size_t size = 0;
+  const Descriptor source = open_source(path, size);
+  return parse_xml_bytes(read_all(source.get(), path, size), path, out);
 }
 
 LoadedDocument parse_xml_bytes(const std::string& bytes, const std::string& name, LineSink& out) {
-  xml::ParsedXml first = xml::read_xml(bytes, name, kFirstParseOptions);
-  LoadedDocument document = checked(first, name, out, [&]() -> const std::string& { return bytes; });
+  xml::ParsedXml first = xml::read_xml_in_blocks(bytes, name, kFirstParseOptions);
+  refuse_past_limits(first, name);
+  xml::Document parsed = require_document(first, name);
+  LoadedDocument document;
+  if (first.diagnostics.empty()) {
+    out.line("no errors parsing file!");
+    document = loaded(std::move(parsed));
+  } else {
+    parsed.reset();  // the repaired text's tree replaces it
+    document = repaired(bytes, first, name, out);
+  }
   ContentDigest digest;
   digest.add(bytes);
   document.digest = digest.text();

@@ -1,6 +1,7 @@
 #pragma once
 // Loading a source document, repairing text that is not well-formed UTF-8.
 
+#include <optional>
 #include <string>
 
 #include "source/line_sink.h"
@@ -16,18 +17,23 @@ struct LoadedDocument {
   std::string root_name;
   // Of the bytes read (see ContentDigest).
   std::string digest;
+  // Where the text still did not parse after its repair: the tree holds what the parser
+  // recovered, which may end early.
+  struct Damage {
+    int line = 0;  // of the source, counted from 1: the last line read before the fault
+    std::string message;  // the parser's
+  };
+  std::optional<Damage> damage;
 };
 
-// Reads the whole file. Throws with the operating system's reason, naming the path.
-std::string read_file_bytes(const std::string& path);
-
-// Parses the file at `path` (a regular file as it is read; anything else, a pipe say, is read
-// once into memory); when the parser reports anything, removes invalid UTF-8 from the
-// lines it names (and, if that is not enough, from every line) and parses the repaired text.
-// Writes its progress lines to `out`. The file itself is never changed.
+// Reads the file at `path` once, whole, and parses those bytes as parse_xml_bytes does: the
+// repair and the digest work on what that one read gave, even when the file changes
+// meanwhile. The file itself is never changed.
 LoadedDocument parse_xml_file(const std::string& path, LineSink& out);
 
-// The same for text already in memory, named `name` in messages.
+// Parses text in memory, named `name` in messages; when the parser reports anything, removes
+// invalid UTF-8 from the lines it names (and, if that is not enough, from every line) and
+// parses the repaired text. Writes its progress lines to `out`.
 LoadedDocument parse_xml_bytes(const std::string& bytes, const std::string& name, LineSink& out);
 
 }  // namespace quillory

@@ -1,9 +1,11 @@
 #include "titles/create_fcp_xml.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <functional>
 #include <stdexcept>
 #include <system_error>
+#include <variant>
 #include <vector>
 
 #include "titles/compose_title_text.h"
@@ -45,6 +47,31 @@ long long add_frames(long long position, long long length, const std::string& cl
          " at frame " + std::to_string(position) + " is out of range");
   }
   return end;
+}
+
+// "quillory: warning: clip 3 "A003" (line 40): `what`", as the warnings about assumptions read.
+std::string clip_warning(std::size_t index, const ClipRecord& clip, const std::string& what) {
+  return "quillory: warning: clip " + std::to_string(index + 1) + " \"" + shown(clip.clip_name) +
+         "\" (line " + std::to_string(xmlGetLineNo(clip.xml)) + "): " + what;
+}
+
+std::string seconds(long long frames, const RateRecord& rate) {
+  const double per_second = std::visit([](auto value) { return static_cast<double>(value); }, rate.fcp_rate);
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f s", static_cast<double>(frames) / per_second);
+  return text;
+}
+
+// A clip of another rate than the sequence's keeps its frame count, and so runs longer or
+// shorter than it does in its own rate: `what` says how much, or "" at the sequence's rate.
+std::string other_rate(const std::string& clip_rate, const TitleSettings& settings, long long frames) {
+  const auto own = find_frame_rate_by_type(clip_rate);
+  const auto sequence = find_frame_rate(settings.ntsc, settings.timebase);
+  if (!own || !sequence || frames <= 0) return "";
+  if (own->timebase == sequence->timebase && own->ntsc == sequence->ntsc) return "";
+  return "its rate is " + std::string(own->type) + ", the sequence's " + std::string(sequence->type) +
+         ": its " + std::to_string(frames) + " frames run " + seconds(frames, *sequence) +
+         " of its " + seconds(frames, *own);
 }
 
 // Where one clip goes, decided before anything is written.
@@ -123,8 +150,8 @@ struct Outline {
 class Planner {
  public:
   Planner(const TitleSettings& settings, const TitlePrototype& title, Outline& outline,
-          LineSink& out)
-      : settings_(settings), title_(title), outline_(outline), out_(out) {}
+          const std::vector<std::string>& clip_rates, LineSink& out)
+      : settings_(settings), title_(title), outline_(outline), clip_rates_(clip_rates), out_(out) {}
 
   std::vector<PlacedClip> plan(const std::vector<ClipRecord>& clips) {
     std::vector<PlacedClip> placed;
@@ -138,6 +165,8 @@ class Planner {
 
   long long duration() const { return position_; }
   std::vector<std::vector<std::string>>& assumptions() { return assumptions_; }
+  // What placing the clips took as it stood that a user would not expect.
+  const std::vector<std::string>& warnings() const { return warnings_; }
 
  private:
   // One clip: where it goes, and what had to be assumed or added to put it there.
@@ -173,6 +202,9 @@ class Planner {
     position_ = add_frames(position_, length, placed.label);
     placed.end = std::to_string(position_);
     placed.length = std::to_string(length);
+    std::string odd = odd_duration(clip.xml);
+    if (odd.empty() && index < clip_rates_.size()) odd = other_rate(clip_rates_[index], settings_, length);
+    if (!odd.empty()) warnings_.push_back(clip_warning(index, clip, odd));
   }
 
   // A clip without video leaves video track 1 empty; one with more audio clip items than the
@@ -226,9 +258,11 @@ class Planner {
   const TitleSettings& settings_;
   const TitlePrototype& title_;
   Outline& outline_;
+  const std::vector<std::string>& clip_rates_;
   LineSink& out_;
   long long position_ = 0;
   std::vector<std::vector<std::string>> assumptions_;  // per clip placed
+  std::vector<std::string> warnings_;
 };
 
 // Writes the planned sequence: each track's items are made, written and freed one at a time.
@@ -295,12 +329,12 @@ class ItemWriter {
 AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
                                 const std::vector<ClipRecord>& clips,
                                 const TitleSettings& settings, const Destination& to,
-                                LineSink& out) {
+                                LineSink& out, const std::vector<std::string>& clip_rates) {
   to.require_known();
   const TitleTemplate& chosen = choose_template(templates, settings.template_name);
   Outline outline(settings);
   const TitlePrototype title(chosen, outline.document.get(), settings.tolerant);
-  Planner planner(settings, title, outline, out);
+  Planner planner(settings, title, outline, clip_rates, out);
   const std::vector<PlacedClip> placed = planner.plan(clips);
 
   std::optional<ImportSafeOutput> import_safe;
@@ -321,6 +355,7 @@ AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
   });
 
   AssumptionReport report = report_assumptions(templates, clips, planner.assumptions());
+  report.warnings.insert(report.warnings.begin(), planner.warnings().begin(), planner.warnings().end());
   if (import_safe) {
     report.warnings.insert(report.warnings.begin(), import_safe->warnings().begin(),
                            import_safe->warnings().end());

@@ -21,10 +21,12 @@ namespace quillory {
 // sequence needs (IncompleteInput where tolerant reading would assume it), and when no output
 // path or no template is known; the previous output file then stays as it was. Returns what
 // tolerant reading assumed, while opening and here, after the ids that import-safe output
-// still repeats.
+// still repeats, and what placing the clips took as it stood: a <duration> that is negative or
+// not a whole number, and a clip whose rate (`clip_rates`, the name of each clip's, "" when
+// unknown) is not the sequence's.
 AssumptionReport create_fcp_xml(const std::vector<TitleTemplate>& templates,
                                 const std::vector<ClipRecord>& clips,
                                 const TitleSettings& settings, const Destination& to,
-                                LineSink& out);
+                                LineSink& out, const std::vector<std::string>& clip_rates = {});
 
 }  // namespace quillory

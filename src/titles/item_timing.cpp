@@ -66,6 +66,21 @@ long long clip_length(const xmlNode* clip, const xmlNode* video_item, const xmlN
   return length;
 }
 
+std::string odd_duration(const xmlNode* clip) {
+  const xmlNode* duration = xml::first_child_element(clip, "duration");
+  if (duration == nullptr) return "";
+  const std::string text = xml::text_content(duration);
+  const std::string_view digits = xml::trim_blanks(text);
+  const std::size_t sign = !digits.empty() && (digits[0] == '-' || digits[0] == '+') ? 1 : 0;
+  const bool whole = digits.size() > sign &&
+                     digits.find_first_not_of("0123456789", sign) == std::string_view::npos;
+  const long long frames = xml::leading_integer(text);
+  const std::string reads = "<duration> \"" + shown(text) + "\" ";
+  if (!whole) return reads + "is not a whole number, placed as " + std::to_string(frames) + " frames";
+  if (frames < 0) return reads + "is negative, so the clip ends before it starts";
+  return "";
+}
+
 std::string check_item_timing(const xmlNode* item, const std::string& owner, bool tolerant) {
   const std::string missing = missing_of(item, "start", "end");
   if (missing.empty() || tolerant) return missing;

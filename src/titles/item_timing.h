@@ -17,6 +17,11 @@ namespace quillory {
 long long clip_length(const xmlNode* clip, const xmlNode* video_item, const xmlNode* audio_item,
                       const std::string& label, bool tolerant, std::vector<std::string>& made);
 
+// What is amiss with the clip's <duration>, as a phrase for a warning: "" when it has none or
+// it holds a whole number of frames that is not negative; else how it reads and what placing
+// it as it reads gives, e.g. '<duration> "abc" is not a whole number, placed as 0 frames'.
+std::string odd_duration(const xmlNode* clip);
+
 // Which of <start> and <end> the item lacks: "<start>", "<end>", "<start>/<end>", or "" when
 // none. Strict reading throws IncompleteInput for either, naming the item as `owner`.
 std::string check_item_timing(const xmlNode* item, const std::string& owner, bool tolerant);

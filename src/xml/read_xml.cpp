@@ -3,9 +3,7 @@
 #include <libxml/HTMLparser.h>
 #include <libxml/parser.h>
 
-#include <unistd.h>
-
-#include <cerrno>
+#include <algorithm>
 #include <climits>
 #include <stdexcept>
 
@@ -56,29 +54,20 @@ ParsedXml read_xml(std::string_view text, const std::string& source_name, int op
 
 namespace {
 
-struct FdReader {
-  int fd;
-  const ByteObserver& observe;
-};
-
 int read_block(void* context, char* buffer, int length) {
-  auto& reader = *static_cast<FdReader*>(context);
-  ssize_t count = 0;
-  do {
-    count = ::read(reader.fd, buffer, static_cast<std::size_t>(length));
-  } while (count < 0 && errno == EINTR);
-  if (count > 0 && reader.observe) reader.observe({buffer, static_cast<std::size_t>(count)});
+  auto& rest = *static_cast<std::string_view*>(context);
+  const std::size_t count = std::min(rest.size(), static_cast<std::size_t>(length));
+  rest.copy(buffer, count);
+  rest.remove_prefix(count);
   return static_cast<int>(count);
 }
 
 }  // namespace
 
-ParsedXml read_xml_fd(int fd, const std::string& source_name, int options,
-                      const ByteObserver& observe) {
-  FdReader reader{fd, observe};
+ParsedXml read_xml_in_blocks(std::string_view text, const std::string& source_name, int options) {
+  std::string_view rest = text;
   return parse_safely(source_name, options, [&](int safe_options) {
-    // No close callback: the descriptor is the caller's.
-    return xmlReadIO(&read_block, nullptr, &reader, source_name.c_str(), nullptr, safe_options);
+    return xmlReadIO(&read_block, nullptr, &rest, source_name.c_str(), nullptr, safe_options);
   });
 }
 

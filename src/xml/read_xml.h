@@ -3,7 +3,6 @@
 // with network access off and without entity substitution, and collects the parser's
 // diagnostics through a structured error handler installed for that parse only.
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +16,8 @@ struct Diagnostic {
   int level = 0;  // xmlErrorLevel
   int code = 0;   // xmlParserErrors
   std::string message;
+  // Bytes of the parsed text before the place the parser stood on; -1 when it knows none.
+  long offset = -1;
 };
 
 struct ParsedXml {
@@ -28,13 +29,9 @@ struct ParsedXml {
 // `options` are added to the safe defaults (XML_PARSE_NONET), e.g. XML_PARSE_RECOVER.
 ParsedXml read_xml(std::string_view text, const std::string& source_name, int options);
 
-// Each block of bytes as it is read, before the parser takes it.
-using ByteObserver = std::function<void(std::string_view bytes)>;
-
-// Parses the XML that the open file descriptor `fd` reads, as it reads it, with the same
-// defaults; a large file is never held whole in memory beside its tree. `fd` stays open.
-ParsedXml read_xml_fd(int fd, const std::string& source_name, int options,
-                      const ByteObserver& observe = {});
+// The same, with the text handed to the parser a block at a time, as a file is read: libxml2
+// holds a text node to its size limit only where the text arrives in pieces.
+ParsedXml read_xml_in_blocks(std::string_view text, const std::string& source_name, int options);
 
 // Parses text as an HTML fragment: the returned document's top-level nodes are the fragment's
 // nodes, with no implied html or body element. Throws when nothing could be parsed.

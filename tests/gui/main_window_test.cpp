@@ -308,6 +308,11 @@ class MainWindowTest : public QObject {
     QVERIFY(window_->openDocument(kExample));
     QCOMPARE(sources->currentText(), QStringLiteral("Master Clips"));
     QVERIFY(control<QComboBox>("ratePopup")->isEnabled());
+    // A sequence named like the first item is a sequence all the same.
+    QVERIFY(window_->openDocument(QStringLiteral(QUILLORY_CASES "/sequence_named_master_clips_is_titled_with_the_option/input.xml")));
+    sources->setCurrentIndex(1);
+    QCOMPARE(sources->currentIndex(), 1);
+    QVERIFY(!control<QComboBox>("ratePopup")->isEnabled());
   }
 
   // An open that fails leaves the window showing what the controller still holds; a copy of the
