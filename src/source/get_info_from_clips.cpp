@@ -177,17 +177,15 @@ class ClipReader {
   Catalogue catalogue_;
 };
 
-// Removes later repeats of a name in place; true when any was removed.
-bool remove_duplicates(std::vector<std::string>& names) {
+// Removes later repeats of a name in place.
+void remove_duplicates(std::vector<std::string>& names) {
   std::unordered_set<std::string> seen;
   std::vector<std::string> kept;
   kept.reserve(names.size());
   for (auto& name : names) {
     if (seen.insert(name).second) kept.push_back(std::move(name));
   }
-  const bool removed = kept.size() != names.size();
   names = std::move(kept);
-  return removed;
 }
 
 const SequenceSummary* find_sequence(const std::vector<SequenceSummary>& sequences,
@@ -289,7 +287,7 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
     opened.error = failure_message(error, path);
     return opened;
   }
-  opened.rates_repeated = remove_duplicates(opened.frame_rates);
+  remove_duplicates(opened.frame_rates);
   opened.status = OpenStatus::Opened;
   return opened;
 }

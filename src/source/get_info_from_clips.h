@@ -35,7 +35,6 @@ struct OpenedSource {
   std::vector<std::string> clip_rates;
   // Each rate name once, in order of first appearance (a Broken open leaves repeats in).
   std::vector<std::string> frame_rates;
-  bool rates_repeated = false;  // some rate was met by more than one clip
   std::string digest;  // of the source's bytes
   // The sequences the document holds outside any clip item, in document order.
   std::vector<SequenceSummary> sequences;

@@ -29,7 +29,6 @@ TEST_F(Opening, RecordsKeepTheirDocumentAliveAndANewOpenReleasesIt) {
     const OpenedSource opened = open(media_clip("A", "f", 5, file_definition("f", "a.mov")));
     first = opened.clips[0].document;
     EXPECT_FALSE(first.expired());
-    EXPECT_FALSE(opened.rates_repeated);
   }
   EXPECT_TRUE(first.expired());
 }
