@@ -1,5 +1,6 @@
 #include "source/get_info_from_clips.h"
 
+#include <filesystem>
 #include <stdexcept>
 #include <unordered_map>
 #include <unordered_set>
@@ -14,10 +15,6 @@
 
 namespace quillory {
 namespace {
-
-std::string clip_label(const std::string& name, const xmlNode* clip) {
-  return "clip \"" + shown(name) + "\" (" + xml::where(clip) + ")";
-}
 
 std::string accepted_rates() {
   std::string text;
@@ -227,16 +224,17 @@ void read_clips(const xml::SharedDocument& doc, bool tolerant, OpenedSource& ope
 
 }  // namespace
 
+std::string clip_label(const std::string& name, const xmlNode* clip, std::size_t number) {
+  return "clip " + (number != 0 ? std::to_string(number) + " " : "") + "\"" + shown(name) +
+         "\" (" + xml::where(clip) + ")";
+}
+
 std::string base_name(const std::string& path) {
-  const auto slash = path.rfind('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
+  return std::filesystem::path(path).filename().string();
 }
 
 std::string sequence_name_for(const std::string& path) {
-  std::string name = base_name(path);
-  const auto dot = name.rfind('.');
-  if (dot != std::string::npos && dot > 0) name.erase(dot);
-  return name;
+  return std::filesystem::path(path).stem().string();
 }
 
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,

@@ -18,6 +18,7 @@
 #include "titles/stream_writer.h"
 #include "titles/title_prototype.h"
 #include "titles/title_writer.h"
+#include "source/get_info_from_clips.h"
 #include "source/incomplete_input.h"
 #include "xml/xml_nodes.h"
 
@@ -25,11 +26,6 @@ namespace quillory {
 namespace {
 
 constexpr std::size_t kAudioTracks = 4;
-
-std::string clip_label(std::size_t index, const ClipRecord& clip) {
-  return "clip " + std::to_string(index + 1) + " \"" + shown(clip.clip_name) + "\" (" +
-         xml::where(clip.xml) + ")";
-}
 
 xmlNode* required_child(xmlNode* parent, const char* name, const std::string& owner) {
   xmlNode* child = xml::first_child_element(parent, name);
@@ -149,7 +145,7 @@ class Planner {
   // The items the clip puts on the sequence: its first video clip item and its audio clip items.
   static PlacedClip find_items(std::size_t index, const ClipRecord& clip) {
     PlacedClip placed;
-    placed.label = clip_label(index, clip);
+    placed.label = clip_label(clip.clip_name, clip.xml, index + 1);
     placed.video_item = xml::first_element_at(clip.xml, {"media", "video", "track", "clipitem"});
     placed.audio_items = xml::elements_at(clip.xml, {"media", "audio", "track", "clipitem"});
     return placed;
