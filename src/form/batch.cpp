@@ -3,11 +3,9 @@
 #include <sys/stat.h>
 
 #include <atomic>
-#include <cerrno>
 #include <exception>
 #include <map>
 #include <mutex>
-#include <system_error>
 #include <thread>
 
 #include "form/controller.h"
@@ -29,19 +27,6 @@ BatchPlan plan_batch(const std::vector<std::string>& sources, const std::string&
     plan.entries.push_back({source, prefix + name + ".xml"});
   }
   return plan;
-}
-
-void make_output_folder(const std::string& folder) {
-  for (std::size_t end = folder.find('/', 1);; end = folder.find('/', end + 1)) {
-    const std::string level = folder.substr(0, end);
-    struct stat info {};
-    if (!level.empty() && ::stat(level.c_str(), &info) != 0 && ::mkdir(level.c_str(), 0777) != 0 &&
-        errno != EEXIST) {
-      throw std::system_error(errno, std::generic_category(),
-                              "quillory: cannot create the output folder " + level);
-    }
-    if (end == std::string::npos) break;
-  }
 }
 
 unsigned default_jobs() { return std::max(1U, std::thread::hardware_concurrency()); }

@@ -32,10 +32,6 @@ struct BatchPlan {
 // the plan then says so, before anything is read.
 BatchPlan plan_batch(const std::vector<std::string>& sources, const std::string& folder);
 
-// Makes the batch's output folder and the missing folders above it. Throws naming the folder
-// that cannot be made.
-void make_output_folder(const std::string& folder);
-
 // How many sources a batch works on at once unless told: one per core.
 unsigned default_jobs();
 
