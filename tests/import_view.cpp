@@ -4,23 +4,22 @@
 
 #include "test_support.h"
 #include "xml/xml_nodes.h"
-#include "xml/xpath_query.h"
 
 namespace quillory::test {
 namespace {
 
 using Index = std::unordered_map<std::string, xmlNode*>;
 
-std::string text_at(xmlNode* node, const char* path) {
-  return node ? xml::text_content(xml::XPathQuery(path).first(node)) : "";
+std::string text_at(const xmlNode* node, std::initializer_list<const char*> path) {
+  return node ? xml::text_content(xml::first_element_at(node, path)) : "";
 }
 
 // An item's facts; its file named by `file`, the element that stands for its <file>.
 std::string describe(const std::string& track, xmlNode* item, xmlNode* file) {
-  return track + " " + reinterpret_cast<const char*>(item->name) + " " + text_at(item, "name") +
-         " " + text_at(item, "start") + "-" + text_at(item, "end") + " " +
-         text_at(item, "duration") + " rate " + text_at(item, "rate/timebase") + " file " +
-         text_at(file, "name") + " text " + text_at(item, "effect/parameter/value");
+  return track + " " + reinterpret_cast<const char*>(item->name) + " " + text_at(item, {"name"}) +
+         " " + text_at(item, {"start"}) + "-" + text_at(item, {"end"}) + " " +
+         text_at(item, {"duration"}) + " rate " + text_at(item, {"rate", "timebase"}) + " file " +
+         text_at(file, {"name"}) + " text " + text_at(item, {"effect", "parameter", "value"});
 }
 
 // What keeps an importer from reading the item, or "": OpenTimelineIO's stops at an item
@@ -31,7 +30,7 @@ std::string unreadable(xmlNode* item, xmlNode* file) {
   for (const char* name : {"in", "out"}) {
     if (xml::first_child_element(item, name) == nullptr) missing += std::string(" <") + name + ">";
   }
-  if (xmlStrEqual(item->name, BAD_CAST "clipitem") && text_at(file, "pathurl").empty()) {
+  if (xmlStrEqual(item->name, BAD_CAST "clipitem") && text_at(file, {"pathurl"}).empty()) {
     missing += " media file with a <pathurl>";
   }
   return missing.empty() ? "" : " unreadable, no" + missing;
@@ -48,19 +47,20 @@ ImportView read_as_importers_do(const std::string& xml_text) {
   const xml::Document doc = parse(xml_text);
   xmlNode* root = xml::as_node(doc.get());
   Index first, defined;
-  for (xmlNode* element : xml::XPathQuery("//*[@id]").all(root)) {
-    const std::string id = *xml::attribute(element, "id");
-    first.emplace(id, element);
-    if (element->children != nullptr) defined.emplace(id, element);
-  }
+  xml::walk_elements(root, [&](xmlNode* element) {
+    const auto id = xml::attribute(element, "id");
+    if (!id) return;
+    first.emplace(*id, element);
+    if (element->children != nullptr) defined.emplace(*id, element);
+  });
   ImportView view;
-  view.sequence_rate = text_at(root, "/xmeml/sequence/rate/timebase");
+  view.sequence_rate = text_at(root, {"xmeml", "sequence", "rate", "timebase"});
   for (const char* kind : {"video", "audio"}) {
-    const auto tracks =
-        xml::XPathQuery(("/xmeml/sequence/media/" + std::string(kind) + "/track").c_str()).all(root);
+    const auto tracks = xml::elements_at(root, {"xmeml", "sequence", "media", kind, "track"});
     for (std::size_t t = 0; t < tracks.size(); ++t) {
       const std::string track = (kind[0] == 'v' ? "V" : "A") + std::to_string(t + 1);
-      for (xmlNode* item : xml::XPathQuery("clipitem | generatoritem").all(tracks[t])) {
+      for (xmlNode* item = tracks[t]->children; item != nullptr; item = item->next) {
+        if (!xml::is_element(item, "clipitem") && !xml::is_element(item, "generatoritem")) continue;
         xmlNode* file = xml::first_child_element(item, "file");
         const auto file_id = file ? xml::attribute(file, "id") : std::nullopt;
         xmlNode* definition = file_id && defined.count(*file_id) ? defined.at(*file_id) : file;

@@ -7,6 +7,7 @@
 #include "batch_console.h"
 #include "listing.h"
 #include "source_run.h"
+#include "startup/make_folder.h"
 
 namespace quillory::cli {
 namespace {
@@ -69,7 +70,9 @@ std::string batch_usage_problem(const Options& options, const BatchPlan& plan) {
 }
 
 ExitCode run_batch(const Options& options, const BatchPlan& plan, const OutputPaths& paths) {
-  if (writes(options)) make_output_folder(*options.output_dir);
+  if (writes(options)) {
+    make_folder(*options.output_dir, "quillory: cannot create the output folder " + *options.output_dir);
+  }
   const bool json_array = options.list && options.json && options.sources.size() > 1;
   const char* done_as = options.list ? "listed" : options.preview ? "previewed" : "written";
   BatchConsole console(options.sources, done_as, json_array, isatty(STDERR_FILENO) == 1);

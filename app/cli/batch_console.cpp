@@ -6,9 +6,6 @@
 namespace quillory::cli {
 namespace {
 
-// Redrawing more often than this only costs time.
-constexpr auto kRedrawInterval = std::chrono::milliseconds(100);
-
 // A JSON document as an element of an array: each of its lines indented one level more, so
 // that the array reads as if dumped whole.
 std::string as_element(const std::string& document) {
@@ -41,7 +38,8 @@ BatchConsole::BatchConsole(std::vector<std::string> sources, std::string done_as
       shown_(shown),
       waiting_(sources_.size()),
       clips_done_(sources_.size()),
-      clips_total_(sources_.size()) {}
+      clips_total_(sources_.size()),
+      line_(std::cerr) {}
 
 void BatchConsole::progress(std::size_t index, std::size_t done, std::size_t total) {
   if (!shown_) return;  // each clip of every thread comes here: no lock when nothing is drawn
@@ -62,7 +60,7 @@ void BatchConsole::finished(std::size_t index, FinishedSource result) {
 
 void BatchConsole::print_ready() {
   for (; printed_ < waiting_.size() && waiting_[printed_]; ++printed_) {
-    wipe();
+    line_.wipe();
     print(printed_, *waiting_[printed_]);
     waiting_[printed_].reset();  // its lines are out: free them
   }
@@ -84,29 +82,18 @@ void BatchConsole::print(std::size_t index, const FinishedSource& result) {
 }
 
 void BatchConsole::draw() {
-  if (!shown_) return;
-  const auto time = std::chrono::steady_clock::now();
-  if (time - last_drawn_ < kRedrawInterval) return;
-  last_drawn_ = time;
-  const auto tenths =
-      std::chrono::duration_cast<std::chrono::milliseconds>(time - start_).count() / 100;
-  std::cerr << "\rquillory: " << finished_ << "/" << sources_.size() << " exports, "
-            << std::accumulate(clips_done_.begin(), clips_done_.end(), std::size_t{0}) << "/"
-            << std::accumulate(clips_total_.begin(), clips_total_.end(), std::size_t{0})
-            << " clips, " << tenths / 10 << "." << tenths % 10 << " s\x1b[K" << std::flush;
-  drawn_ = true;
-}
-
-void BatchConsole::wipe() {
-  if (!drawn_) return;
-  std::cerr << "\r\x1b[K" << std::flush;
-  drawn_ = false;
+  if (!shown_ || !line_.due()) return;
+  line_.draw(std::to_string(finished_) + "/" + std::to_string(sources_.size()) + " exports, " +
+             std::to_string(std::accumulate(clips_done_.begin(), clips_done_.end(), std::size_t{0})) +
+             "/" +
+             std::to_string(std::accumulate(clips_total_.begin(), clips_total_.end(), std::size_t{0})) +
+             " clips");
 }
 
 ExitCode BatchConsole::close() {
   const std::lock_guard lock(mutex_);
   print_ready();
-  wipe();
+  line_.wipe();
   if (json_array_) std::cout << "\n]\n" << std::flush;
   std::cerr << "quillory: " << sources_.size() - failed_.size() << " of " << sources_.size()
             << " exports " << done_as_;

@@ -3,7 +3,6 @@
 // whole, in the order the sources were given, as soon as it and every source before it are
 // done; on a terminal, one progress line counting sources and clips; a summary line last.
 
-#include <chrono>
 #include <cstddef>
 #include <mutex>
 #include <optional>
@@ -12,6 +11,7 @@
 
 #include "exit_code.h"
 #include "source_run.h"
+#include "terminal_progress.h"
 
 namespace quillory::cli {
 
@@ -42,7 +42,6 @@ class BatchConsole {
   void print_ready();
   void print(std::size_t index, const FinishedSource& result);
   void draw();
-  void wipe();
 
   const std::vector<std::string> sources_;
   const std::string done_as_;
@@ -56,9 +55,7 @@ class BatchConsole {
   std::vector<std::string> failed_;
   std::vector<std::size_t> clips_done_;
   std::vector<std::size_t> clips_total_;
-  bool drawn_ = false;
-  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-  std::chrono::steady_clock::time_point last_drawn_;
+  ProgressLine line_;
 };
 
 }  // namespace quillory::cli

@@ -1,12 +1,10 @@
 #include "source_run.h"
 
-#include <algorithm>
 #include <unistd.h>
 
 #include "listing.h"
-#include "form/controller.h"
+#include "form/batch.h"
 #include "titles/destination.h"
-#include "source/incomplete_input.h"
 
 namespace quillory::cli {
 namespace {
@@ -49,15 +47,6 @@ void report_no_clip(const Options& options, const OpenedSource& source, std::ost
   err << ": --sequence NAME titles the shots of one\n";
 }
 
-// The template a user names must be one the source offers; the message says which it offers.
-std::string template_not_offered(const Options& options, const OpenedSource& source) {
-  if (!options.template_name) return {};
-  std::vector<std::string> names;
-  for (const auto& title : source.templates) names.push_back(title.name);
-  if (std::find(names.begin(), names.end(), *options.template_name) != names.end()) return {};
-  return "quillory: --template: " + unknown_value_message("template", *options.template_name, names);
-}
-
 // Prints what --list or --preview asks to see.
 void show(const Options& options, const Controller& controller, const Form& form,
           const SourceStreams& streams) {
@@ -73,41 +62,14 @@ void show(const Options& options, const Controller& controller, const Form& form
   print_report(controller.opening_report(), streams.err);
 }
 
-SourceOutcome run(const Options& options, const OutputPaths& paths, const SourceStreams& streams) {
+// Writes the open source's titles where the options say.
+void write(const Options& options, const Controller& controller, const Form& form,
+           const SourceStreams& streams, LineSink& progress) {
   const bool to_standard_output = writes_to_standard_output(options);
-  const auto path = options.output ? options.output : paths.TEMP_XML_FILE;
-  // An output no document can go to is refused before the source is read.
-  if (!options.list && !options.preview && !to_standard_output && path) delivery_to(*path);
-  const auto progress = progress_sink(options, streams);
-  Controller controller(paths);
-  const Form form = form_from_options(options);
-  const OpenOutcome opened = controller.get_info_from_clips(options.source, form, *progress);
-  switch (opened.status) {
-    case OpenStatus::Opened:
-      break;
-    case OpenStatus::NotXmeml:
-      return failed(ExitCode::Failed, "quillory: " + options.source +
-                                          " is not an xmeml document (its first node is not "
-                                          "<xmeml>); nothing was written");
-    case OpenStatus::NoSequence:
-      return failed(ExitCode::Usage, "quillory: --sequence: " +
-                                         unknown_value_message("sequence", *options.sequence,
-                                                               opened.sequences));
-    case OpenStatus::Unreadable:
-    case OpenStatus::Broken:
-      return failed(ExitCode::Failed, opened.error + (opened.incomplete ? kTolerantHint : ""));
-  }
-  if (auto refused = template_not_offered(options, controller.source()); !refused.empty()) {
-    return failed(ExitCode::Usage, std::move(refused));
-  }
-  report_no_clip(options, controller.source(), streams.err);
-  if (options.list || options.preview) {
-    show(options, controller, form, streams);
-    return {};
-  }
+  const auto path = options.output ? options.output : controller.paths().TEMP_XML_FILE;
   AssumptionReport report;
   {
-    const auto display = streams.display(*progress);
+    const auto display = streams.display(progress);
     streams.out.flush();
     report = to_standard_output ? controller.create_fcp_xml(form, *display, STDOUT_FILENO)
                                 : controller.create_fcp_xml(form, *display, path);
@@ -115,20 +77,36 @@ SourceOutcome run(const Options& options, const OutputPaths& paths, const Source
   print_report(report, streams.err);
   streams.err << "quillory: wrote " << (to_standard_output ? "the titles to standard output" : *path)
               << "\n";
-  return {};
 }
 
 }  // namespace
 
 SourceOutcome run_source(const Options& options, const OutputPaths& paths,
                          const SourceStreams& streams) {
-  try {
-    return run(options, paths, streams);
-  } catch (const IncompleteInput& error) {
-    return failed(ExitCode::Failed, error.what() + std::string(kTolerantHint));
-  } catch (const std::exception& error) {
-    return failed(ExitCode::Failed, failure_message(error, options.source));
+  const auto path = options.output ? options.output : paths.TEMP_XML_FILE;
+  // An output no document can go to is refused before the source is read.
+  if (!options.list && !options.preview && !writes_to_standard_output(options) && path) {
+    delivery_to(*path);
   }
+  const auto progress = progress_sink(options, streams);
+  Controller controller(paths);
+  const Form form = form_from_options(options);
+  const BatchResult result = run_on_source(options.source, form, controller, *progress, [&] {
+    report_no_clip(options, controller.source(), streams.err);
+    if (options.list || options.preview) {
+      show(options, controller, form, streams);
+    } else {
+      write(options, controller, form, streams, *progress);
+    }
+    return AssumptionReport{};
+  });
+  if (result.written) return {};
+  if (const auto& lacking = result.lacking) {
+    return failed(ExitCode::Usage, "quillory: --" + lacking->kind + ": " +
+                                       unknown_value_message(lacking->kind, lacking->named,
+                                                             lacking->offered));
+  }
+  return failed(ExitCode::Failed, result.message + (result.incomplete ? kTolerantHint : ""));
 }
 
 }  // namespace quillory::cli

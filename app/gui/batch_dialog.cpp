@@ -139,7 +139,13 @@ bool BatchDialog::start() {
     try {
       run_in_parallel(entries.size(), default_jobs(), [&](std::size_t index) {
         NullSink lines;  // from several exports at once they would only interleave
-        const BatchResult result = create_titles_for(entries[index], form, paths, lines);
+        const BatchEntry& entry = entries[index];
+        Controller controller(paths);
+        Form named = form;
+        named.nameField = sequence_name_for(entry.source);
+        const BatchResult result = run_on_source(entry.source, named, controller, lines, [&] {
+          return controller.create_fcp_xml(named, lines, entry.output);
+        });
         QMetaObject::invokeMethod(this, [this, index, result] { showResult(index, result); },
                                   Qt::QueuedConnection);
       });

@@ -1,16 +1,12 @@
 #include "form/batch.h"
 
-#include <sys/stat.h>
-
+#include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <exception>
 #include <map>
 #include <mutex>
-#include <system_error>
 #include <thread>
 
-#include "form/controller.h"
 #include "source/incomplete_input.h"
 
 namespace quillory {
@@ -29,19 +25,6 @@ BatchPlan plan_batch(const std::vector<std::string>& sources, const std::string&
     plan.entries.push_back({source, prefix + name + ".xml"});
   }
   return plan;
-}
-
-void make_output_folder(const std::string& folder) {
-  for (std::size_t end = folder.find('/', 1);; end = folder.find('/', end + 1)) {
-    const std::string level = folder.substr(0, end);
-    struct stat info {};
-    if (!level.empty() && ::stat(level.c_str(), &info) != 0 && ::mkdir(level.c_str(), 0777) != 0 &&
-        errno != EEXIST) {
-      throw std::system_error(errno, std::generic_category(),
-                              "quillory: cannot create the output folder " + level);
-    }
-    if (end == std::string::npos) break;
-  }
 }
 
 unsigned default_jobs() { return std::max(1U, std::thread::hardware_concurrency()); }
@@ -70,31 +53,45 @@ void run_in_parallel(std::size_t count, unsigned jobs,
   if (failure) std::rethrow_exception(failure);
 }
 
-BatchResult create_titles_for(const BatchEntry& entry, Form form, const OutputPaths& paths,
-                              LineSink& out) {
+namespace {
+
+// The sequence or the template the form names and the open source lacks.
+std::optional<BatchResult::Lacking> lacking(const Form& form, const OpenOutcome& opened,
+                                            const Controller& controller) {
+  if (opened.status == OpenStatus::NoSequence) {
+    return BatchResult::Lacking{"sequence", *form.sourcePopup, opened.sequences};
+  }
+  if (!form.templatePopup) return std::nullopt;
+  std::vector<std::string> names;
+  for (const auto& title : controller.source().templates) names.push_back(title.name);
+  if (std::find(names.begin(), names.end(), *form.templatePopup) != names.end()) return std::nullopt;
+  return BatchResult::Lacking{"template", *form.templatePopup, std::move(names)};
+}
+
+}  // namespace
+
+BatchResult run_on_source(const std::string& source, const Form& form, Controller& controller,
+                          LineSink& out, const std::function<AssumptionReport()>& use) {
   BatchResult result;
   try {
-    Controller controller(paths);
-    form.nameField = sequence_name_for(entry.source);
-    const OpenOutcome opened = controller.get_info_from_clips(entry.source, form, out);
+    const OpenOutcome opened = controller.get_info_from_clips(source, form, out);
     if (opened.status == OpenStatus::NotXmeml) {
-      result.message = "quillory: " + entry.source +
-                       " is not an xmeml document (its first node is not <xmeml>)";
-      return result;
-    }
-    if (opened.status != OpenStatus::Opened) {
+      result.message = "quillory: " + source + " is not an xmeml document (its first node is not <xmeml>)";
+    } else if (opened.status == OpenStatus::Unreadable || opened.status == OpenStatus::Broken) {
       result.message = opened.error;
       result.incomplete = opened.incomplete;
-      return result;
+    } else if ((result.lacking = lacking(form, opened, controller))) {
+      result.message = "quillory: " + source + " has no " + result.lacking->kind + " \"" +
+                       shown(result.lacking->named) + "\"";
+    } else {
+      result.report = use();
+      result.written = true;
     }
-    result.clips = controller.source().clips.size();
-    result.report = controller.create_fcp_xml(form, out, entry.output);
-    result.written = true;
   } catch (const IncompleteInput& error) {
     result.message = error.what();
     result.incomplete = true;
   } catch (const std::exception& error) {
-    result.message = failure_message(error, entry.source);
+    result.message = failure_message(error, source);
   }
   return result;
 }

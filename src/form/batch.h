@@ -5,9 +5,11 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "form/controller.h"
 #include "form/form.h"
 #include "source/assumption_report.h"
 #include "startup/startup.h"
@@ -32,10 +34,6 @@ struct BatchPlan {
 // the plan then says so, before anything is read.
 BatchPlan plan_batch(const std::vector<std::string>& sources, const std::string& folder);
 
-// Makes the batch's output folder and the missing folders above it. Throws naming the folder
-// that cannot be made.
-void make_output_folder(const std::string& folder);
-
 // How many sources a batch works on at once unless told: one per core.
 unsigned default_jobs();
 
@@ -47,16 +45,25 @@ void run_in_parallel(std::size_t count, unsigned jobs,
 
 // What became of one source.
 struct BatchResult {
-  bool written = false;
-  std::string message;  // why nothing was written, for the user
+  bool written = false;  // its titles were written (or it was listed, or previewed)
+  std::string message;   // why not, for the user, naming the source
   bool incomplete = false;  // tolerant reading would have taken the source
-  std::size_t clips = 0;
+  // The sequence or template the form names and the source lacks, and the names it has.
+  struct Lacking {
+    std::string kind;  // "sequence" or "template"
+    std::string named;
+    std::vector<std::string> offered;
+  };
+  std::optional<Lacking> lacking;
   AssumptionReport report;
 };
 
-// Opens the entry's source and writes its titles as `form` asks, the sequence named after the
-// source; never throws.
-BatchResult create_titles_for(const BatchEntry& entry, Form form, const OutputPaths& paths,
-                              LineSink& out);
+// One source of a run, in a window's batch or on the command line: opens `source` into
+// `controller` as `form` asks and, when it opened whole and has the sequence and the template
+// the form names, hands it to `use` (which writes its titles, or lists or previews it) and
+// keeps its report. A source that is not xmeml, was not read whole or lacks what the form
+// names fails, named, and so does one that `use` throws for; never throws.
+BatchResult run_on_source(const std::string& source, const Form& form, Controller& controller,
+                          LineSink& out, const std::function<AssumptionReport()>& use);
 
 }  // namespace quillory

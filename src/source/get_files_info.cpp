@@ -69,10 +69,7 @@ class FileReader {
   std::vector<MetadataEntry> entries(const xmlNode* file) {
     std::vector<MetadataEntry> entries;
     for (const xmlNode* child = file->children; child != nullptr; child = child->next) {
-      if (child->type != XML_ELEMENT_NODE || child->ns != nullptr ||
-          !xmlStrEqual(child->name, BAD_CAST "metadata")) {
-        continue;
-      }
+      if (!xml::is_element(child, "metadata")) continue;
       const xmlNode* key = xml::first_child_element(child, "key");
       const xmlNode* value = xml::first_child_element(child, "value");
       if (key == nullptr) {

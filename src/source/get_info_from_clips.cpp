@@ -1,5 +1,6 @@
 #include "source/get_info_from_clips.h"
 
+#include <filesystem>
 #include <stdexcept>
 #include <unordered_map>
 #include <unordered_set>
@@ -14,10 +15,6 @@
 
 namespace quillory {
 namespace {
-
-std::string clip_label(const std::string& name, const xmlNode* clip) {
-  return "clip \"" + shown(name) + "\" (" + xml::where(clip) + ")";
-}
 
 std::string accepted_rates() {
   std::string text;
@@ -190,17 +187,15 @@ class ClipReader {
   Catalogue catalogue_;
 };
 
-// Removes later repeats of a name in place; true when any was removed.
-bool remove_duplicates(std::vector<std::string>& names) {
+// Removes later repeats of a name in place.
+void remove_duplicates(std::vector<std::string>& names) {
   std::unordered_set<std::string> seen;
   std::vector<std::string> kept;
   kept.reserve(names.size());
   for (auto& name : names) {
     if (seen.insert(name).second) kept.push_back(std::move(name));
   }
-  const bool removed = kept.size() != names.size();
   names = std::move(kept);
-  return removed;
 }
 
 const SequenceSummary* find_sequence(const std::vector<SequenceSummary>& sequences,
@@ -251,16 +246,17 @@ std::string damage_warning(const LoadedDocument::Damage& damage, std::size_t cli
 
 }  // namespace
 
+std::string clip_label(const std::string& name, const xmlNode* clip, std::size_t number) {
+  return "clip " + (number != 0 ? std::to_string(number) + " " : "") + "\"" + shown(name) +
+         "\" (" + xml::where(clip) + ")";
+}
+
 std::string base_name(const std::string& path) {
-  const auto slash = path.rfind('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
+  return std::filesystem::path(path).filename().string();
 }
 
 std::string sequence_name_for(const std::string& path) {
-  std::string name = base_name(path);
-  const auto dot = name.rfind('.');
-  if (dot != std::string::npos && dot > 0) name.erase(dot);
-  return name;
+  return std::filesystem::path(path).stem().string();
 }
 
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
@@ -312,7 +308,7 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
     return opened;
   }
   if (loaded.damage) opened.warnings.push_back(damage_warning(*loaded.damage, opened.clips.size()));
-  opened.rates_repeated = remove_duplicates(opened.frame_rates);
+  remove_duplicates(opened.frame_rates);
   opened.status = OpenStatus::Opened;
   return opened;
 }

@@ -35,7 +35,6 @@ struct OpenedSource {
   std::vector<std::string> clip_rates;
   // Each rate name once, in order of first appearance (a Broken open leaves repeats in).
   std::vector<std::string> frame_rates;
-  bool rates_repeated = false;  // some rate was met by more than one clip
   std::string digest;  // of the source's bytes
   // The sequences the document holds outside any clip item, in document order.
   std::vector<SequenceSummary> sequences;
@@ -70,7 +69,11 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
 std::string base_name(const std::string& path);
 
 // The name a new sequence starts from: the file name without its last extension (a name that
-// is all extension is kept whole).
+// is all extension, ".xml", is kept whole), as std::filesystem::path::stem gives it.
 std::string sequence_name_for(const std::string& path);
+
+// How a message names a clip: clip "A001" (<clip> at line 12 of dailies.xml), or with its
+// `number` among the clips placed when one is given: clip 3 "A001" (...).
+std::string clip_label(const std::string& name, const xmlNode* clip, std::size_t number = 0);
 
 }  // namespace quillory

@@ -1,10 +1,8 @@
 #include "startup/app_data_folders.h"
 
-#include <sys/stat.h>
-
-#include <cerrno>
 #include <cstdlib>
-#include <system_error>
+
+#include "startup/make_folder.h"
 
 namespace quillory {
 namespace {
@@ -13,23 +11,6 @@ std::string environment(const char* name) {
   const char* value = std::getenv(name);
   return value != nullptr ? value : "";
 }
-
-#ifndef __APPLE__
-// Makes each missing level of `folder` readable by its owner alone, as programs that write to
-// the data folder are to make it on a new account.
-void create_missing_levels(const std::string& folder) {
-  for (std::size_t slash = folder.find('/', 1); ; slash = folder.find('/', slash + 1)) {
-    const std::string level = folder.substr(0, slash);
-    struct stat info {};
-    if (::stat(level.c_str(), &info) != 0 && ::mkdir(level.c_str(), 0700) != 0 && errno != EEXIST) {
-      throw std::system_error(errno, std::generic_category(),
-                              "quillory: cannot create the data folder " + level +
-                                  " (set XDG_DATA_HOME to a folder you can write)");
-    }
-    if (slash == std::string::npos) return;
-  }
-}
-#endif
 
 }  // namespace
 
@@ -49,7 +30,12 @@ std::vector<std::string> application_support_folders() {
   } else {
     return {};
   }
-  create_missing_levels(folder);
+  // Readable by its owner alone, as programs that write to the data folder are to make it on
+  // a new account.
+  make_folder(folder,
+              "quillory: cannot create the data folder " + folder +
+                  " (set XDG_DATA_HOME to a folder you can write)",
+              true);
   return {folder};
 #endif
 }

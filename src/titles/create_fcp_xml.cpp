@@ -20,19 +20,14 @@
 #include "titles/stream_writer.h"
 #include "titles/title_prototype.h"
 #include "titles/title_writer.h"
+#include "source/get_info_from_clips.h"
 #include "source/incomplete_input.h"
-#include "xml/read_xml.h"
 #include "xml/xml_nodes.h"
 
 namespace quillory {
 namespace {
 
 constexpr std::size_t kAudioTracks = 4;
-
-std::string clip_label(std::size_t index, const ClipRecord& clip) {
-  return "clip " + std::to_string(index + 1) + " \"" + shown(clip.clip_name) + "\" (" +
-         xml::where(clip.xml) + ")";
-}
 
 xmlNode* required_child(xmlNode* parent, const char* name, const std::string& owner) {
   xmlNode* child = xml::first_child_element(parent, name);
@@ -109,11 +104,7 @@ struct Outline {
   std::vector<xmlNode*> audio_tracks;
 
   explicit Outline(const TitleSettings& settings) {
-    xml::ParsedXml parsed = xml::read_xml(empty_sequence_xml(), "empty sequence", 0);
-    if (!parsed.document || !parsed.diagnostics.empty()) {
-      fail("the built-in empty sequence does not parse");
-    }
-    document = std::move(parsed.document);
+    document = readied_empty_sequence();
     sequence = xml::first_element_at(xml::as_node(document.get()), {"xmeml", "sequence"});
     const std::string owner = "the built-in empty sequence";
     if (sequence == nullptr) fail(owner + " has no <sequence>");
@@ -126,7 +117,6 @@ struct Outline {
     if (video_tracks.size() < 2 || audio_tracks.size() < kAudioTracks) {
       fail(owner + " lacks its tracks");
     }
-    remove_formatting_blanks(xmlDocGetRootElement(document.get()));
   }
 
   // Audio tracks up to `count`, shaped like the empty sequence's own: enabled, unlocked,
@@ -184,7 +174,7 @@ class Planner {
   // The items the clip puts on the sequence: its first video clip item and its audio clip items.
   static PlacedClip find_items(std::size_t index, const ClipRecord& clip) {
     PlacedClip placed;
-    placed.label = clip_label(index, clip);
+    placed.label = clip_label(clip.clip_name, clip.xml, index + 1);
     placed.video_item = xml::first_element_at(clip.xml, {"media", "video", "track", "clipitem"});
     placed.audio_items = xml::elements_at(clip.xml, {"media", "audio", "track", "clipitem"});
     return placed;
@@ -273,10 +263,7 @@ class ItemWriter {
              LineSink& progress)
       : title_(title), outline_(outline), placed_(placed), import_safe_(import_safe),
         progress_(progress) {
-    if (settings.timecode_reader) {
-      filter_ = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
-      remove_formatting_blanks(xml::as_node(filter_.get()));
-    }
+    if (settings.timecode_reader) filter_.emplace();
   }
 
   // Writes the items of track `index`: video 1, video 2, then the audio tracks in order.
@@ -300,11 +287,7 @@ class ItemWriter {
     set_item_timing(item.get(), clip.start, clip.end);
     if (clip.complete_items) complete(item.get(), clip);
     remove_link_indexes(item.get());
-    if (video && filter_) {
-      for (const xmlNode* node = filter_->children; node != nullptr; node = node->next) {
-        xmlAddChild(item.get(), clean_copy(node, outline_.document.get()).release());
-      }
-    }
+    if (video && filter_) filter_->append_to(item.get());
     if (import_safe_ != nullptr) import_safe_->prepare_item(item.get());
     out.child(item.get());
   }
@@ -320,7 +303,7 @@ class ItemWriter {
   const std::vector<PlacedClip>& placed_;
   ImportSafeOutput* import_safe_;
   LineSink& progress_;  // the titles are most of what is written: they measure the writing
-  xml::Document filter_;
+  std::optional<TimecodeReader> filter_;
   TitleWriter titles_{title_, import_safe_};
 };
 

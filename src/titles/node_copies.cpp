@@ -93,7 +93,7 @@ void remove_formatting_blanks(xmlNode* element) {
 
 void remove_link_indexes(xmlNode* item) {
   std::vector<xmlNode*> links = xml::all_descendants(item, "link");
-  if (xmlStrEqual(item->name, BAD_CAST "link")) links.insert(links.begin(), item);
+  if (xml::is_element(item, "link")) links.insert(links.begin(), item);
   // Innermost first: an index removed from an outer link may hold a link of its own, which is
   // freed with it and must not be visited afterwards.
   for (auto link_at = links.rbegin(); link_at != links.rend(); ++link_at) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "source/clip_record.h"
+#include "xml/xml_handles.h"
 
 namespace quillory {
 
@@ -23,6 +24,20 @@ std::string tcr_filter_xml();
 
 // The built-in template "Default" (of type "Text"): lower_third_xml parsed as an HTML fragment.
 TitleTemplate built_in_template();
+
+// empty_sequence_xml parsed, without the blank text between its elements, ready to be filled.
+xml::Document readied_empty_sequence();
+
+// The Timecode Reader filter, parsed once for a run; `append_to` adds a copy of it to a clip
+// item of the output document.
+class TimecodeReader {
+ public:
+  TimecodeReader();
+  void append_to(xmlNode* item) const;
+
+ private:
+  xml::Document filter_;
+};
 
 // Each function returns a new string; changing it does not change what later calls return.
 // The texts keep their leading and trailing whitespace (line feed and tab), which is part of

@@ -40,7 +40,7 @@ TitlePrototype::TitlePrototype(const TitleTemplate& chosen, xmlDoc* output, bool
 xmlNode* TitlePrototype::generator() const {
   xmlNode* last = copy_->last;
   while (last != nullptr && last->type != XML_ELEMENT_NODE) last = last->prev;
-  return last != nullptr && xmlStrEqual(last->name, BAD_CAST "generatoritem") ? last : nullptr;
+  return xml::is_element(last, "generatoritem") ? last : nullptr;
 }
 
 std::string TitlePrototype::owner(const std::string& clip) const {

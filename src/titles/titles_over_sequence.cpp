@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <unordered_set>
 #include <utility>
 
@@ -13,7 +14,6 @@
 #include "titles/title_prototype.h"
 #include "titles/title_writer.h"
 #include "source/user_message.h"
-#include "xml/read_xml.h"
 #include "xml/xml_nodes.h"
 
 namespace quillory {
@@ -36,15 +36,10 @@ struct SequenceCopy {
   xmlNode* title_track = nullptr;
 
   SequenceCopy(const xmlNode* source, const std::string& name) {
-    xml::ParsedXml parsed = xml::read_xml(empty_sequence_xml(), "empty sequence", 0);
-    if (!parsed.document || !parsed.diagnostics.empty()) {
-      fail("the built-in empty sequence does not parse");
-    }
-    document = std::move(parsed.document);
+    document = readied_empty_sequence();
     xmlNode* root = xmlDocGetRootElement(document.get());
     xml::Node empty(xml::first_child_element(root, "sequence"));
     xmlUnlinkNode(empty.get());
-    remove_formatting_blanks(root);
     sequence = xmlAddChild(root, copy_outline(source));
     xml::set_child_text(sequence, "name", name);
     add_title_track();
@@ -137,8 +132,7 @@ class TrackWriter {
       : copy_(copy), titles_(titles), title_writer_(title_writer), import_safe_(import_safe),
         progress_(progress) {
     if (settings.timecode_reader) {
-      filter_ = xml::read_html_fragment(tcr_filter_xml(), "Timecode Reader");
-      remove_formatting_blanks(xml::as_node(filter_.get()));
+      filter_.emplace();
       for (const auto& shot : shots) seen_.insert(shot.shot->item);
     }
   }
@@ -159,11 +153,7 @@ class TrackWriter {
     for (const xmlNode* child = source->children; child != nullptr; child = child->next) {
       if (xmlIsBlankNode(const_cast<xmlNode*>(child))) continue;
       const xml::Node item = clean_copy(child, copy_.document.get());
-      if (filter_ && seen_.count(child) != 0) {
-        for (const xmlNode* node = filter_->children; node != nullptr; node = node->next) {
-          xmlAddChild(item.get(), clean_copy(node, copy_.document.get()).release());
-        }
-      }
+      if (filter_ && seen_.count(child) != 0) filter_->append_to(item.get());
       if (item->type == XML_ELEMENT_NODE) import_safe_.prepare_item(item.get());
       out.child(item.get());
     }
@@ -182,7 +172,7 @@ class TrackWriter {
   TitleWriter& title_writer_;
   ImportSafeOutput& import_safe_;
   LineSink& progress_;
-  xml::Document filter_;
+  std::optional<TimecodeReader> filter_;
   std::unordered_set<const xmlNode*> seen_;  // the clip items that give a shot
 };
 

@@ -15,9 +15,6 @@ struct DocumentDeleter {
 struct NodeDeleter {
   void operator()(xmlNode* node) const noexcept { xmlFreeNode(node); }
 };
-struct XPathExpressionDeleter {
-  void operator()(xmlXPathCompExpr* expr) const noexcept { xmlXPathFreeCompExpr(expr); }
-};
 struct XPathContextDeleter {
   void operator()(xmlXPathContext* ctx) const noexcept { xmlXPathFreeContext(ctx); }
 };
@@ -33,7 +30,6 @@ using Document = std::unique_ptr<xmlDoc, DocumentDeleter>;
 // as long as the last record that refers into it.
 using SharedDocument = std::shared_ptr<xmlDoc>;
 using Node = std::unique_ptr<xmlNode, NodeDeleter>;
-using XPathExpression = std::unique_ptr<xmlXPathCompExpr, XPathExpressionDeleter>;
 using XPathContext = std::unique_ptr<xmlXPathContext, XPathContextDeleter>;
 using XPathObject = std::unique_ptr<xmlXPathObject, XPathObjectDeleter>;
 using XmlString = std::unique_ptr<xmlChar, XmlCharDeleter>;

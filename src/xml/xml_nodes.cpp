@@ -6,12 +6,13 @@
 #include <cstring>
 
 namespace quillory::xml {
-namespace {
 
-bool is_element_named(const xmlNode* node, const char* name) {
-  return node->type == XML_ELEMENT_NODE && node->ns == nullptr &&
+bool is_element(const xmlNode* node, const char* name) {
+  return node != nullptr && node->type == XML_ELEMENT_NODE && node->ns == nullptr &&
          std::strcmp(reinterpret_cast<const char*>(node->name), name) == 0;
 }
+
+namespace {
 
 // Appends to `found` the elements below `node` along the remaining steps, in document order;
 // stops once `found` holds `limit` of them.
@@ -19,7 +20,7 @@ void collect_at(const xmlNode* node, const char* const* step, const char* const*
                 std::vector<xmlNode*>& found, std::size_t limit) {
   for (xmlNode* child = node->children; child != nullptr && found.size() < limit;
        child = child->next) {
-    if (!is_element_named(child, *step)) continue;
+    if (!is_element(child, *step)) continue;
     if (step + 1 == end) {
       found.push_back(child);
     } else {
@@ -53,8 +54,8 @@ xmlNode* walk_below(const xmlNode* node, Visit visit) {
 
 xmlNode* first_descendant(const xmlNode* node, const char* name, const char* parent) {
   return walk_below(node, [name, parent](const xmlNode* element) {
-    return is_element_named(element, name) &&
-           (parent == nullptr || is_element_named(element->parent, parent));
+    return is_element(element, name) &&
+           (parent == nullptr || is_element(element->parent, parent));
   });
 }
 
@@ -68,7 +69,7 @@ void walk_elements(const xmlNode* node, const std::function<void(xmlNode*)>& vis
 std::vector<xmlNode*> all_descendants(const xmlNode* node, const char* name) {
   std::vector<xmlNode*> found;
   walk_below(node, [name, &found](const xmlNode* element) {
-    if (is_element_named(element, name)) found.push_back(const_cast<xmlNode*>(element));
+    if (is_element(element, name)) found.push_back(const_cast<xmlNode*>(element));
     return false;
   });
   return found;
@@ -94,14 +95,7 @@ std::string text_content(const xmlNode* node) {
 
 xmlNode* first_child_element(const xmlNode* parent, const char* name) {
   for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
-    if (is_element_named(child, name)) return child;
-  }
-  return nullptr;
-}
-
-xmlNode* last_child_element(const xmlNode* parent, const char* name) {
-  for (xmlNode* child = parent->last; child != nullptr; child = child->prev) {
-    if (is_element_named(child, name)) return child;
+    if (is_element(child, name)) return child;
   }
   return nullptr;
 }
@@ -152,10 +146,6 @@ long long leading_integer(const std::string& text) {
     value = value * 10 + digit;
   }
   return negative ? -value : value;
-}
-
-bool is_element(const xmlNode* node, const char* name) {
-  return node != nullptr && node->type == XML_ELEMENT_NODE && xmlStrEqual(node->name, BAD_CAST name);
 }
 
 }  // namespace quillory::xml

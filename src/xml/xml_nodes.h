@@ -15,15 +15,13 @@ namespace quillory::xml {
 // The concatenation of all text below the node.
 std::string text_content(const xmlNode* node);
 
-// The first child element with the given name and no namespace (what the relative XPath
-// "name" selects), or null.
-xmlNode* first_child_element(const xmlNode* parent, const char* name);
-
-// Whether `node` is an element named `name`; false for none.
+// Whether `node` is an element named `name`; false for none. xmeml declares no namespace, so
+// an element in one belongs to another vocabulary and never matches: every lookup below by
+// name follows this rule, as an XPath name test without a prefix does.
 bool is_element(const xmlNode* node, const char* name);
 
-// The last child element with the given name, or null.
-xmlNode* last_child_element(const xmlNode* parent, const char* name);
+// The first child element with the given name (what the relative XPath "name" selects), or null.
+xmlNode* first_child_element(const xmlNode* parent, const char* name);
 
 // What the relative XPath ".//NAME" selects first (".//PARENT/NAME" with `parent`): the first
 // element named `name` below `node` in document order, whose parent is named `parent` when

@@ -197,7 +197,7 @@ class MainWindowTest : public QObject {
   }
 
   // Several exports with the window's settings: each file what the command line writes for it
-  // alone, each failure listed with its message.
+  // alone, each failure listed with its message; one without the chosen template fails.
   void severalExportsGetTheWindowsSettings() {
     QVERIFY(window_->openDocument(kExample));
     control<QComboBox>("templatePopup")->setCurrentText(QStringLiteral("Slate Card"));
@@ -205,7 +205,9 @@ class MainWindowTest : public QObject {
     QTemporaryDir folder;
     const QString day1 = folder.filePath(QStringLiteral("day1.xml"));
     const QString day2 = folder.filePath(QStringLiteral("day2.xml"));
-    QVERIFY(QFile::copy(kExample, day1) && write_all(day2, "<project/>"));
+    const QString day3 = folder.filePath(QStringLiteral("day3.xml"));
+    QVERIFY(QFile::copy(kExample, day1) && write_all(day2, "<project/>") &&
+            write_all(day3, "<xmeml version=\"4\"/>"));
     QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("out")));
     bool offered = false;
     for (QAction* action : window_->findChildren<QAction*>()) {
@@ -214,7 +216,7 @@ class MainWindowTest : public QObject {
     QVERIFY(offered);
 
     quillory::gui::BatchDialog dialog(window_->form(), {}, folder.path());
-    dialog.addSources({day1, day2});
+    dialog.addSources({day1, day2, day3});
     dialog.setOutputFolder(folder.filePath(QStringLiteral("out")));
     QSignalSpy finished(&dialog, &quillory::gui::BatchDialog::runFinished);
     QVERIFY(dialog.start());
@@ -222,7 +224,8 @@ class MainWindowTest : public QObject {
     const QString written = folder.filePath(QStringLiteral("out/day1.xml"));
     QCOMPARE(dialog.results(), (QStringList{"Written to " + written,
                                             day2 + " is not an xmeml document (its first node "
-                                                   "is not <xmeml>)"}));
+                                                   "is not <xmeml>)",
+                                            day3 + " has no template \"Slate Card\""}));
     QVERIFY(!QFile::exists(folder.filePath(QStringLiteral("out/day2.xml"))));
     QProcess cli;
     cli.start(QStringLiteral(QUILLORY_CLI), {"--quiet", "--tcr", "--template", "Slate Card",

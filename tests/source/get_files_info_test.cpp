@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "source/media_file_record.h"
-#include "xml/xpath_query.h"
+#include "xml/xml_nodes.h"
 #include "test_support.h"
 
 namespace quillory {
@@ -13,7 +13,7 @@ using test::metadata;
 std::vector<MediaFileRecord> catalogue(const std::string& files) {
   const xml::Document doc = test::parse(test::xmeml(files));
   NullSink out;
-  return get_files_info(xml::XPathQuery("//file").all(xml::as_node(doc.get())), out);
+  return get_files_info(xml::all_descendants(xml::as_node(doc.get()), "file"), out);
 }
 
 TEST(GetFilesInfo, RecordingTimeComesFromTheLastQualifyingEntryWithoutItsZone) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "source/assumption_report.h"
 #include "test_support.h"
 #include "titles/sequence_templates.h"
 
@@ -29,7 +30,6 @@ TEST_F(Opening, RecordsKeepTheirDocumentAliveAndANewOpenReleasesIt) {
     const OpenedSource opened = open(media_clip("A", "f", 5, file_definition("f", "a.mov")));
     first = opened.clips[0].document;
     EXPECT_FALSE(first.expired());
-    EXPECT_FALSE(opened.rates_repeated);
   }
   EXPECT_TRUE(first.expired());
 }
@@ -55,6 +55,19 @@ TEST_F(Opening, BrokenDocumentsSayWhatAndWhere) {
   EXPECT_EQ(last.clips.size(), 2U);
   EXPECT_EQ(last.frame_rates, std::vector<std::string>{"PAL (25fps)"});
   EXPECT_NE(last.error.find("TRUE/24"), std::string::npos);
+}
+
+// A file cut off inside a clip parses only once repaired: strict reading refuses the clip cut
+// short, naming it; tolerant reading takes it with a warning.
+TEST_F(Opening, FileCutShortIsRefusedOrWarnedAbout) {
+  test::write_file(dir.file("cut.xml"), "<?xml version=\"1.0\"?>\n<xmeml version=\"4\">\n<clip><name>A</name>\n"
+                                        "<rate><ntsc>FALSE</ntsc><timebase>25</timebase></rate>\n");
+  const OpenedSource strict = get_info_from_clips(dir.file("cut.xml"), built_in_template(), false, out);
+  EXPECT_EQ(strict.status, OpenStatus::Broken);
+  EXPECT_NE(strict.error.find("clip \"A\""), std::string::npos) << strict.error;
+  const OpenedSource tolerant = get_info_from_clips(dir.file("cut.xml"), built_in_template(), true, out);
+  EXPECT_EQ(tolerant.status, OpenStatus::Opened);
+  EXPECT_EQ(report_assumptions(tolerant.templates, tolerant.clips).warnings.size(), 1U);
 }
 
 }  // namespace

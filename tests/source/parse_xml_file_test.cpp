@@ -42,17 +42,6 @@ TEST_F(Loading, RepairKeepsCarriageReturnsAndJoinsLinesWithoutSeparator) {
             "a\nb|");
 }
 
-TEST_F(Loading, StructuralFaultGoesThroughAllThreeParses) {
-  EXPECT_EQ(load("<xmeml>\n<a>text</b>\n</xmeml>\n").root_name, "xmeml");
-  EXPECT_EQ(out.lines, (std::vector<std::string>{"1 errors parsing file!!!", "...fixing line 2",
-                                                 "1 errors parsing good_string!!!"}));
-  // A truncated file is reported past its last line, which names nothing to repair.
-  out.lines.clear();
-  load("<xmeml>\n<a>\n\n\n");
-  EXPECT_EQ(out.lines, (std::vector<std::string>{"1 errors parsing file!!!", "...fixing line 5",
-                                                 "1 errors parsing good_string!!!"}));
-}
-
 TEST_F(Loading, UnreadableOrEmptySourceFailsNamingThePath) {
   try {
     parse_xml_file(dir.file("missing.xml"), out);

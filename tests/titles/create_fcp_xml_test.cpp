@@ -11,7 +11,6 @@
 #include "test_support.h"
 #include "titles/sequence_templates.h"
 #include "xml/xml_nodes.h"
-#include "xml/xpath_query.h"
 
 namespace quillory {
 namespace {
@@ -44,8 +43,8 @@ TEST_F(CreatingTitles, RunsChangeNeitherTheSourceNorEachOthersFiles) {
   EXPECT_EQ(test::texts(written, "count(//effect[name='Timecode Reader'] | //link/trackindex)"), "1|");
   // The placed copies were timed and stripped, not the source's clip.
   xmlNode* clip = opened.clips[0].xml;
-  EXPECT_EQ(xml::text_content(xml::XPathQuery(".//start").first(clip)) + "/" +
-                xml::text_content(xml::XPathQuery(".//link/trackindex").first(clip)),
+  EXPECT_EQ(xml::text_content(xml::first_descendant(clip, "start")) + "/" +
+                xml::text_content(xml::first_descendant(clip, "trackindex", "link")),
             "-1/1");
 }
 

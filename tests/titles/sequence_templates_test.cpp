@@ -19,13 +19,6 @@ std::string as_xml_document(const xml::Document& fragment) {
   return std::string(reinterpret_cast<char*>(text), static_cast<std::size_t>(size));
 }
 
-TEST(SequenceTemplates, EmptySequenceIsAnXmemlDocumentWithSixTracks) {
-  const xml::Document doc = test::parse(empty_sequence_xml());
-  EXPECT_EQ(test::texts(doc, "/xmeml/@version | /xmeml/sequence/@id"), "4|Quillory|");
-  EXPECT_EQ(test::texts(doc, "count(//sequence/media/video/track)"), "2|");
-  EXPECT_EQ(test::texts(doc, "//sequence/media/audio/track/outputchannelindex"), "1|2|1|2|");
-}
-
 // Titles and filters are parsed as HTML fragments; their texts must read as the same tree as
 // XML, or the written document would not be what the files say.
 TEST(SequenceTemplates, FragmentsAreOneElementThatReadsAlikeAsHtmlAndAsXml) {
