@@ -29,7 +29,7 @@ OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form&
   }
   display_ = FileDisplay{false, path, base_name(path)};
   source_ = std::move(opened);
-  frame_size_ = quillory::frame_size(source_.clips);
+  frame_size_ = sequence_video_format(source_.sequence, source_.clips).frame;
   return outcome;
 }
 

@@ -14,6 +14,7 @@
 #include "titles/destination.h"
 #include "titles/title_settings.h"
 #include "titles/title_style.h"
+#include "titles/video_format.h"
 #include "source/line_sink.h"
 
 namespace quillory {
@@ -64,7 +65,7 @@ class Controller {
   // The rate a run takes when the form names none: the document's first.
   std::string default_rate() const;
 
-  // How the template the form chooses draws its text, and the frame of the clips' media.
+  // How the template the form chooses draws its text, and the frame the titles lie over.
   TitleStyle title_style(const Form& form) const;
   FrameSize frame_size() const { return frame_size_; }
 
@@ -88,7 +89,7 @@ class Controller {
   OutputPaths paths_;
   OpenedSource source_;
   FileDisplay display_;
-  FrameSize frame_size_;  // of the open document's clips, found once: every preview draws on it
+  FrameSize frame_size_;  // of the open document's sequence, found once: every preview draws on it
 };
 
 }  // namespace quillory
