@@ -25,13 +25,18 @@ std::string describe(const std::string& track, xmlNode* item, xmlNode* file) {
 
 // What keeps an importer from reading the item, or "": OpenTimelineIO's stops at an item
 // without <in> or <out>, and at a clip item without a <file>; one whose file gives no
-// <pathurl> has no media to link.
+// <pathurl> has no media to link (one holding a nested sequence needs none); an <out> before
+// the <in> is a negative source range.
 std::string unreadable(xmlNode* item, xmlNode* file) {
   std::string missing;
   for (const char* name : {"in", "out"}) {
     if (xml::first_child_element(item, name) == nullptr) missing += std::string(" <") + name + ">";
   }
-  if (xmlStrEqual(item->name, BAD_CAST "clipitem") && text_at(file, "pathurl").empty()) {
+  if (missing.empty() && xml::leading_integer(text_at(item, "out")) < xml::leading_integer(text_at(item, "in"))) {
+    missing += " <out> after its <in>";
+  }
+  if (xmlStrEqual(item->name, BAD_CAST "clipitem") && text_at(file, "pathurl").empty() &&
+      xml::first_child_element(item, "sequence") == nullptr) {
     missing += " media file with a <pathurl>";
   }
   return missing.empty() ? "" : " unreadable, no" + missing;
@@ -55,6 +60,11 @@ ImportView read_as_importers_do(const std::string& xml_text) {
   }
   ImportView view;
   view.sequence_rate = text_at(root, "/xmeml/sequence/rate/timebase");
+  // Editing programs guess the frame size and timecode of a sequence that states none.
+  for (const char* path : {"/xmeml/sequence/media/video/*[1][self::format]/samplecharacteristics/width",
+                           "/xmeml/sequence/timecode/string"}) {
+    if (text_at(root, path).empty()) view.as_resolved.push_back(std::string("sequence without ") + path);
+  }
   for (const char* kind : {"video", "audio"}) {
     const auto tracks =
         xml::XPathQuery(("/xmeml/sequence/media/" + std::string(kind) + "/track").c_str()).all(root);
