@@ -78,9 +78,9 @@ SourceOutcome run(const Options& options, const OutputPaths& paths, const Source
     case OpenStatus::Opened:
       break;
     case OpenStatus::NotXmeml:
-      return failed(ExitCode::Failed, "quillory: " + options.source +
-                                          " is not an xmeml document (its first node is not "
-                                          "<xmeml>); nothing was written");
+      return failed(ExitCode::Failed, "quillory: " + not_xmeml_message(options.source, opened) +
+                                          "; nothing was written" +
+                                          (opened.incomplete ? kTolerantHint : ""));
     case OpenStatus::NoSequence:
       return failed(ExitCode::Usage, "quillory: --sequence: " +
                                          unknown_value_message("sequence", *options.sequence,

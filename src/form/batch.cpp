@@ -78,8 +78,8 @@ BatchResult create_titles_for(const BatchEntry& entry, Form form, const OutputPa
     form.nameField = sequence_name_for(entry.source);
     const OpenOutcome opened = controller.get_info_from_clips(entry.source, form, out);
     if (opened.status == OpenStatus::NotXmeml) {
-      result.message = "quillory: " + entry.source +
-                       " is not an xmeml document (its first node is not <xmeml>)";
+      result.message = "quillory: " + not_xmeml_message(entry.source, opened);
+      result.incomplete = opened.incomplete;
       return result;
     }
     if (opened.status != OpenStatus::Opened) {

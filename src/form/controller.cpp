@@ -13,6 +13,11 @@
 
 namespace quillory {
 
+std::string not_xmeml_message(const std::string& path, const OpenOutcome& outcome) {
+  return path + " is not an xmeml document (" +
+         (outcome.error.empty() ? "its first node is not <xmeml>" : outcome.error) + ")";
+}
+
 Controller::Controller(OutputPaths paths) : paths_(std::move(paths)) {}
 
 OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form& form,

@@ -28,6 +28,10 @@ struct OpenOutcome {
   std::vector<std::string> sequences;  // the names of the document's top-level sequences
 };
 
+// Why the document at `path` was not read, for an open that came out NotXmeml:
+// "PATH is not an xmeml document (its first node is not <xmeml>)", or what stands before it.
+std::string not_xmeml_message(const std::string& path, const OpenOutcome& outcome);
+
 class Controller {
  public:
   explicit Controller(OutputPaths paths);

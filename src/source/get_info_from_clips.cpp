@@ -228,6 +228,25 @@ void read_clips(const xml::SharedDocument& doc, bool tolerant, OpenedSource& ope
   opened.clip_rates.assign(opened.clips.size(), sequence->rate);
 }
 
+// A comment or processing instruction before the root element <xmeml>: tolerant reading reads
+// the document by its root element's name, strict reading refuses it, saying so.
+bool read_past_node_before_root(const LoadedDocument& loaded, bool tolerant, OpenedSource& opened) {
+  if (!loaded.before_root || loaded.before_root->root_element != "xmeml") return false;
+  const auto& node = *loaded.before_root;
+  const std::string what = "a " + node.kind + " at line " + std::to_string(node.line) +
+                           " stands before <xmeml>";
+  if (!tolerant) {
+    opened.error = what;
+    opened.incomplete = true;
+    return false;
+  }
+  const auto* url = loaded.document->URL;
+  const std::string path = url != nullptr ? reinterpret_cast<const char*>(url) : "the source";
+  opened.warnings.push_back("quillory: warning: " + path + ": " + what +
+                            ", read as an xmeml document");
+  return true;
+}
+
 }  // namespace
 
 std::string base_name(const std::string& path) {
@@ -261,7 +280,7 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
                                 bool tolerant, LineSink& out,
                                 const std::optional<std::string>& sequence) {
   OpenedSource opened;
-  if (loaded.root_name != "xmeml") {
+  if (loaded.root_name != "xmeml" && !read_past_node_before_root(loaded, tolerant, opened)) {
     opened.status = OpenStatus::NotXmeml;
     return opened;
   }

@@ -57,5 +57,14 @@ TEST_F(Opening, BrokenDocumentsSayWhatAndWhere) {
   EXPECT_NE(last.error.find("TRUE/24"), std::string::npos);
 }
 
+TEST_F(Opening, ACommentBeforeARootThatIsNotXmemlIsRefusedInBothModes) {
+  test::write_file(dir.file("project.xml"), "<!-- exported -->\n<project/>\n");
+  for (const bool tolerant : {false, true}) {
+    const OpenedSource opened = get_info_from_clips(dir.file("project.xml"), built_in_template(), tolerant, out);
+    EXPECT_EQ(opened.status, OpenStatus::NotXmeml);
+    EXPECT_FALSE(opened.incomplete);
+  }
+}
+
 }  // namespace
 }  // namespace quillory
