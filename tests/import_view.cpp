@@ -24,13 +24,18 @@ std::string describe(const std::string& track, xmlNode* item, xmlNode* file) {
 
 // What keeps an importer from reading the item, or "": OpenTimelineIO's stops at an item
 // without <in> or <out>, and at a clip item without a <file>; one whose file gives no
-// <pathurl> has no media to link.
+// <pathurl> has no media to link (one holding a nested sequence needs none); an <out> before
+// the <in> is a negative source range.
 std::string unreadable(xmlNode* item, xmlNode* file) {
   std::string missing;
   for (const char* name : {"in", "out"}) {
     if (xml::first_child_element(item, name) == nullptr) missing += std::string(" <") + name + ">";
   }
-  if (xmlStrEqual(item->name, BAD_CAST "clipitem") && text_at(file, {"pathurl"}).empty()) {
+  if (missing.empty() && xml::leading_integer(text_at(item, {"out"})) < xml::leading_integer(text_at(item, {"in"}))) {
+    missing += " <out> after its <in>";
+  }
+  if (xmlStrEqual(item->name, BAD_CAST "clipitem") && text_at(file, {"pathurl"}).empty() &&
+      xml::first_child_element(item, "sequence") == nullptr) {
     missing += " media file with a <pathurl>";
   }
   return missing.empty() ? "" : " unreadable, no" + missing;
@@ -55,6 +60,17 @@ ImportView read_as_importers_do(const std::string& xml_text) {
   });
   ImportView view;
   view.sequence_rate = text_at(root, {"xmeml", "sequence", "rate", "timebase"});
+  // Editing programs guess the frame size and timecode of a sequence that states none; the
+  // format is read only where it stands first in the video.
+  const xmlNode* video = xml::first_element_at(root, {"xmeml", "sequence", "media", "video"});
+  const xmlNode* format = video ? video->children : nullptr;
+  while (format != nullptr && format->type != XML_ELEMENT_NODE) format = format->next;
+  if (!xml::is_element(format, "format") || text_at(format, {"samplecharacteristics", "width"}).empty()) {
+    view.as_resolved.push_back("sequence without a format first in its video");
+  }
+  if (text_at(root, {"xmeml", "sequence", "timecode", "string"}).empty()) {
+    view.as_resolved.push_back("sequence without a timecode");
+  }
   for (const char* kind : {"video", "audio"}) {
     const auto tracks = xml::elements_at(root, {"xmeml", "sequence", "media", kind, "track"});
     for (std::size_t t = 0; t < tracks.size(); ++t) {

@@ -157,8 +157,11 @@ bool MainWindow::openDocument(const QString& path) {
     case OpenStatus::NotXmeml:
       statusBar()->showMessage(tr("%1 is not an xmeml document; nothing changed.").arg(name));
       show_error(this, tr("%1 is not a Final Cut Pro XML document.").arg(name),
-                tr("Its first element is not <xmeml>. The window still shows the previous "
-                   "document."));
+                 opened.incomplete
+                     ? tr("Its first node is not <xmeml>: %1. The window still shows the "
+                          "previous document.").arg(error) + document_->tolerantHint()
+                     : tr("Its first element is not <xmeml>. The window still shows the previous "
+                          "document."));
       return false;
     case OpenStatus::Broken:
       // The display and the menus show what was read, but no titles are made from half a

@@ -16,6 +16,7 @@
 #include <QWidget>
 
 #include "titles/title_style.h"
+#include "titles/video_format.h"
 
 namespace quillory::gui {
 

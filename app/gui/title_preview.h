@@ -9,6 +9,7 @@
 
 #include "titles/compose_title_text.h"
 #include "titles/title_style.h"
+#include "titles/video_format.h"
 
 class QComboBox;
 class QPlainTextEdit;

@@ -76,7 +76,8 @@ BatchResult run_on_source(const std::string& source, const Form& form, Controlle
   try {
     const OpenOutcome opened = controller.get_info_from_clips(source, form, out);
     if (opened.status == OpenStatus::NotXmeml) {
-      result.message = "quillory: " + source + " is not an xmeml document (its first node is not <xmeml>)";
+      result.message = "quillory: " + not_xmeml_message(source, opened);
+      result.incomplete = opened.incomplete;
     } else if (opened.status == OpenStatus::Unreadable || opened.status == OpenStatus::Broken) {
       result.message = opened.error;
       result.incomplete = opened.incomplete;

@@ -14,6 +14,11 @@
 
 namespace quillory {
 
+std::string not_xmeml_message(const std::string& path, const OpenOutcome& outcome) {
+  return path + " is not an xmeml document (" +
+         (outcome.error.empty() ? "its first node is not <xmeml>" : outcome.error) + ")";
+}
+
 Controller::Controller(OutputPaths paths) : paths_(std::move(paths)) {}
 
 OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form& form,
@@ -28,7 +33,7 @@ OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form&
   }
   document_path_ = path;
   source_ = std::move(opened);
-  frame_size_ = quillory::frame_size(source_.clips);
+  frame_size_ = sequence_video_format(source_.sequence, source_.clips).frame;
   return outcome;
 }
 

@@ -14,6 +14,7 @@
 #include "titles/destination.h"
 #include "titles/title_settings.h"
 #include "titles/title_style.h"
+#include "titles/video_format.h"
 #include "source/line_sink.h"
 
 namespace quillory {
@@ -26,6 +27,10 @@ struct OpenOutcome {
   bool incomplete = false;
   std::vector<std::string> sequences;  // the names of the document's top-level sequences
 };
+
+// Why the document at `path` was not read, for an open that came out NotXmeml:
+// "PATH is not an xmeml document (its first node is not <xmeml>)", or what stands before it.
+std::string not_xmeml_message(const std::string& path, const OpenOutcome& outcome);
 
 class Controller {
  public:
@@ -65,7 +70,7 @@ class Controller {
   // The rate a run takes when the form names none: the document's first.
   std::string default_rate() const;
 
-  // How the template the form chooses draws its text, and the frame of the clips' media.
+  // How the template the form chooses draws its text, and the frame the titles lie over.
   TitleStyle title_style(const Form& form) const;
   FrameSize frame_size() const { return frame_size_; }
 
@@ -101,7 +106,7 @@ class Controller {
   OutputPaths paths_;
   OpenedSource source_;
   std::string document_path_;
-  FrameSize frame_size_;  // of the open document's clips, found once: every preview draws on it
+  FrameSize frame_size_;  // of the open document's sequence, found once: every preview draws on it
 };
 
 }  // namespace quillory

@@ -30,6 +30,8 @@ struct ClipRecord {
   std::optional<DateTime> time;
   xmlNode* xml = nullptr;         // the clip's <clip> element in the source document
   xml::SharedDocument document;  // keeps that document alive
+  // The full definition of the clip's media file, when the document holds one.
+  const xmlNode* media_file = nullptr;
   // What tolerant reading assumed for this clip (and its media file) while opening, one
   // phrase each, e.g. "no <logginginfo/scene>, scene left empty".
   std::vector<std::string> assumptions;

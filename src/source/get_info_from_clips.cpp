@@ -77,6 +77,7 @@ class ClipReader {
       record.reel = media->reel;
       record.frame_string = media->frame_string;
       record.time = media->time;
+      record.media_file = media->xml;
       made.insert(made.end(), media->assumptions.begin(), media->assumptions.end());
     }
     if (tolerant_ && xml::first_child_element(clip, "logginginfo") == nullptr) {
@@ -244,6 +245,25 @@ std::string damage_warning(const LoadedDocument::Damage& damage, std::size_t cli
          " read before it; the titles may be incomplete";
 }
 
+// A comment or processing instruction before the root element <xmeml>: tolerant reading reads
+// the document by its root element's name, strict reading refuses it, saying so.
+bool read_past_node_before_root(const LoadedDocument& loaded, bool tolerant, OpenedSource& opened) {
+  if (!loaded.before_root || loaded.before_root->root_element != "xmeml") return false;
+  const auto& node = *loaded.before_root;
+  const std::string what = "a " + node.kind + " at line " + std::to_string(node.line) +
+                           " stands before <xmeml>";
+  if (!tolerant) {
+    opened.error = what;
+    opened.incomplete = true;
+    return false;
+  }
+  const auto* url = loaded.document->URL;
+  const std::string path = url != nullptr ? reinterpret_cast<const char*>(url) : "the source";
+  opened.warnings.push_back("quillory: warning: " + path + ": " + what +
+                            ", read as an xmeml document");
+  return true;
+}
+
 }  // namespace
 
 std::string clip_label(const std::string& name, const xmlNode* clip, std::size_t number) {
@@ -278,7 +298,7 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
                                 bool tolerant, LineSink& out,
                                 const std::optional<std::string>& sequence) {
   OpenedSource opened;
-  if (loaded.root_name != "xmeml") {
+  if (loaded.root_name != "xmeml" && !read_past_node_before_root(loaded, tolerant, opened)) {
     opened.status = OpenStatus::NotXmeml;
     return opened;
   }

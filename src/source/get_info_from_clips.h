@@ -23,9 +23,10 @@ enum class OpenStatus {
 
 struct OpenedSource {
   OpenStatus status = OpenStatus::Unreadable;
-  // Unreadable and Broken: what went wrong and where (file, element, line), for the user.
+  // Unreadable and Broken: what went wrong and where (file, element, line), for the user;
+  // NotXmeml: what stands before its root element <xmeml>, when that is all that is wrong.
   std::string error;
-  // Broken: the error is one that tolerant reading takes with an assumption.
+  // Broken and NotXmeml: the error is one that tolerant reading takes with an assumption.
   bool incomplete = false;
   // The built-in template first, then the document's text-generator clips in document order.
   std::vector<TitleTemplate> templates;

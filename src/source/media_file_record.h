@@ -21,6 +21,7 @@ struct MediaFileRecord {
   const xmlNode* xml = nullptr;  // the <file> definition
   // What tolerant reading assumed for this file; every clip that uses it reports them.
   std::vector<std::string> assumptions;
+  const xmlNode* xml = nullptr;  // the <file> definition itself
 };
 
 // Catalogues the given <file> elements in order. Elements without child nodes are references

@@ -140,9 +140,27 @@ std::string root_name_of(const xmlDoc* doc) {
   return reinterpret_cast<const char*>(doc->children->name);
 }
 
+std::optional<NodeBeforeRoot> node_before_root(const xmlDoc* doc) {
+  const xmlNode* first = doc->children;
+  if (first == nullptr || (first->type != XML_COMMENT_NODE && first->type != XML_PI_NODE)) {
+    return std::nullopt;
+  }
+  const xmlNode* node = first;
+  while (node != nullptr && node->type != XML_ELEMENT_NODE) {
+    if (node->type != XML_COMMENT_NODE && node->type != XML_PI_NODE && node->type != XML_DTD_NODE) {
+      return std::nullopt;
+    }
+    node = node->next;
+  }
+  if (node == nullptr) return std::nullopt;
+  return NodeBeforeRoot{first->type == XML_COMMENT_NODE ? "comment" : "processing instruction",
+                        xmlGetLineNo(first), reinterpret_cast<const char*>(node->name)};
+}
+
 LoadedDocument loaded(xml::Document document) {
   LoadedDocument result;
   result.root_name = root_name_of(document.get());
+  result.before_root = node_before_root(document.get());
   result.document = std::move(document);
   return result;
 }

@@ -9,12 +9,23 @@
 
 namespace quillory {
 
+// A comment or processing instruction that the writer put before the root element (some
+// write their name and version there).
+struct NodeBeforeRoot {
+  std::string kind;          // "comment" or "processing instruction"
+  long line = 0;             // of the first such node
+  std::string root_element;  // the name of the root element after it
+};
+
 struct LoadedDocument {
   xml::Document document;
   // Name of the document's first top-level node: the declared root of a document type
   // declaration, "comment" for a leading comment, the root element's tag otherwise; empty
   // when the document has no top-level node.
   std::string root_name;
+  // Where the first top-level node is a comment or processing instruction, and nothing but
+  // those (or a document type declaration) stands before the root element.
+  std::optional<NodeBeforeRoot> before_root;
   // Of the bytes read (see ContentDigest).
   std::string digest;
   // Where the text still did not parse after its repair: the tree holds what the parser

@@ -4,6 +4,8 @@
 
 #include <new>
 
+#include "source/timecode.h"
+#include "startup/frame_rates.h"
 #include "xml/xml_nodes.h"
 
 namespace quillory {
@@ -35,10 +37,22 @@ std::string describe(const xmlNode* element) {
 
 bool is_file(const xmlNode* element) { return xmlStrEqual(element->name, BAD_CAST "file"); }
 
+void add_text_child(xmlNode* parent, const char* name, const std::string& text) {
+  if (xmlNewTextChild(parent, nullptr, BAD_CAST name, BAD_CAST text.c_str()) == nullptr) {
+    throw std::bad_alloc();
+  }
+}
+
+void add_copy(xmlNode* parent, const xmlNode* node) {
+  xmlNode* copy = xmlDocCopyNode(const_cast<xmlNode*>(node), parent->doc, 1);
+  if (copy == nullptr) throw std::bad_alloc();
+  xmlAddChild(parent, copy);
+}
+
 }  // namespace
 
 ImportSafeOutput::ImportSafeOutput(const std::vector<ClipRecord>& clips, ImportSafeRun run)
-    : run_(std::move(run)) {
+    : run_(std::move(run)), format_(media_video_format(clips)) {
   for (const auto& clip : clips) add_definitions(clip.document.get());
 }
 
@@ -54,11 +68,58 @@ void ImportSafeOutput::prepare_sequence(xmlNode* sequence, xmlNode* outline) {
   xml::set_child_text(sequence, "duration", std::to_string(run_.duration));
   xml::set_child_text(sequence, "uuid", name_uuid(uuid_name(run_, "sequence")));
   // A copied sequence may have no rate (tolerant reading keeps it as written).
-  if (xmlNode* rate = xml::first_child_element(sequence, "rate")) {
+  xmlNode* rate = xml::first_child_element(sequence, "rate");
+  if (rate != nullptr) {
     ntsc_ = xml::text_content(xml::first_child_element(rate, "ntsc"));
     timebase_ = xml::text_content(xml::first_child_element(rate, "timebase"));
   }
+  add_format(sequence, rate);
+  if (rate != nullptr && xml::first_child_element(sequence, "timecode") == nullptr) {
+    add_timecode(rate);
+  }
   check_ids(outline);
+}
+
+// media/video's <format>, first in it as editing programs write it, where it has none.
+void ImportSafeOutput::add_format(xmlNode* sequence, const xmlNode* rate) const {
+  xmlNode* media = xml::first_child_element(sequence, "media");
+  xmlNode* video = media != nullptr ? xml::first_child_element(media, "video") : nullptr;
+  if (video == nullptr || xml::first_child_element(video, "format") != nullptr) return;
+  xml::Node format(xmlNewDocNode(sequence->doc, nullptr, BAD_CAST "format", nullptr));
+  if (!format) throw std::bad_alloc();
+  xmlNode* sample = xmlNewChild(format.get(), nullptr, BAD_CAST "samplecharacteristics", nullptr);
+  if (sample == nullptr) throw std::bad_alloc();
+  if (rate != nullptr) add_copy(sample, rate);
+  for (const auto& [name, value] :
+       {std::pair{"width", std::to_string(format_.frame.width)},
+        std::pair{"height", std::to_string(format_.frame.height)},
+        std::pair{"anamorphic", format_.anamorphic},
+        std::pair{"pixelaspectratio", format_.pixel_aspect_ratio},
+        std::pair{"fielddominance", format_.field_dominance}, std::pair{"colordepth", std::string("24")}}) {
+    add_text_child(sample, name, value);
+  }
+  if (video->children == nullptr) {
+    xmlAddChild(video, format.release());
+  } else {
+    xmlAddPrevSibling(video->children, format.release());
+  }
+}
+
+// The sequence's <timecode>, after its `rate`: from 00:00:00:00, drop-frame at 29.97 and 59.94.
+void ImportSafeOutput::add_timecode(xmlNode* rate) {
+  const auto known = find_frame_rate_loosely(
+      xml::text_content(xml::first_child_element(rate, "ntsc")),
+      xml::leading_integer(xml::text_content(xml::first_child_element(rate, "timebase"))));
+  TimecodeFormat shape;
+  shape.timebase = known ? known->timebase : 30;
+  shape.drop_frame = known && known->ntsc == "TRUE" && known->timebase % 30 == 0;
+  xml::Node timecode(xmlNewDocNode(rate->doc, nullptr, BAD_CAST "timecode", nullptr));
+  if (!timecode) throw std::bad_alloc();
+  add_copy(timecode.get(), rate);
+  add_text_child(timecode.get(), "string", format_timecode(0, shape));
+  add_text_child(timecode.get(), "frame", "0");
+  add_text_child(timecode.get(), "displayformat", shape.drop_frame ? "DF" : "NDF");
+  xmlAddNextSibling(rate, timecode.release());
 }
 
 void ImportSafeOutput::prepare_title_template(xmlNode* title) {
@@ -66,6 +127,7 @@ void ImportSafeOutput::prepare_title_template(xmlNode* title) {
     xml::set_child_text(rate, "ntsc", ntsc_);
     xml::set_child_text(rate, "timebase", timebase_);
   }
+  xml::set_child_text(title, "in", "0");
   title_ = describe(title);
   xml::walk_elements(title, [this](xmlNode* element) {
     if (!is_file(element) && xmlHasProp(element, BAD_CAST "id")) {

@@ -79,18 +79,4 @@ TitleStyle read_title_style(const TitleTemplate& title) {
   return style;
 }
 
-FrameSize frame_size(const std::vector<ClipRecord>& clips) {
-  std::optional<FrameSize> agreed;
-  for (const auto& clip : clips) {
-    const xmlNode* sample = xml::first_descendant(clip.xml, "samplecharacteristics");
-    if (sample == nullptr) continue;
-    const FrameSize size{static_cast<int>(child_number(sample, "width", 0)),
-                         static_cast<int>(child_number(sample, "height", 0))};
-    if (size.width <= 0 || size.height <= 0) continue;
-    if (agreed && (agreed->width != size.width || agreed->height != size.height)) return {};
-    agreed = size;
-  }
-  return agreed.value_or(FrameSize{});
-}
-
 }  // namespace quillory

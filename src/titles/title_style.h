@@ -1,6 +1,7 @@
 #pragma once
-// How a title template's text looks, as its text generator's parameters give it, and the
-// frame the titles lie over: what a preview needs to draw a title before it is written.
+// How a title template's text looks, as its text generator's parameters give it: with the
+// frame the titles lie over (titles/video_format.h), what a preview needs to draw a title
+// before it is written.
 
 #include <string>
 #include <vector>
@@ -32,14 +33,5 @@ struct TitleStyle {
 
 // The style `title` gives; a parameter it lacks, or cannot be read, keeps the default above.
 TitleStyle read_title_style(const TitleTemplate& title);
-
-struct FrameSize {
-  int width = 1920;
-  int height = 1080;
-};
-
-// The frame of the clips' media: their samplecharacteristics' width and height when every clip
-// that gives one gives the same, else 1920x1080.
-FrameSize frame_size(const std::vector<ClipRecord>& clips);
 
 }  // namespace quillory

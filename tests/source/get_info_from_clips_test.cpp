@@ -70,5 +70,14 @@ TEST_F(Opening, FileCutShortIsRefusedOrWarnedAbout) {
   EXPECT_EQ(report_assumptions(tolerant.templates, tolerant.clips).warnings.size(), 1U);
 }
 
+TEST_F(Opening, ACommentBeforeARootThatIsNotXmemlIsRefusedInBothModes) {
+  test::write_file(dir.file("project.xml"), "<!-- exported -->\n<project/>\n");
+  for (const bool tolerant : {false, true}) {
+    const OpenedSource opened = get_info_from_clips(dir.file("project.xml"), built_in_template(), tolerant, out);
+    EXPECT_EQ(opened.status, OpenStatus::NotXmeml);
+    EXPECT_FALSE(opened.incomplete);
+  }
+}
+
 }  // namespace
 }  // namespace quillory

@@ -32,6 +32,12 @@ TEST_F(Loading, RootNameIsTheFirstTopLevelNodeAndBlankTextIsLeftOut) {
   EXPECT_EQ(load("<!DOCTYPE xmeml>\n<xmeml/>\n").root_name, "xmeml");
   EXPECT_EQ(load("<!-- exported -->\n<xmeml/>\n").root_name, "comment");
   EXPECT_EQ(load("<project/>\n").root_name, "project");
+  EXPECT_FALSE(loaded.before_root);
+  // What a writer puts before the root element is found, with the root element after it.
+  const auto before = load("<?xml version=\"1.0\"?>\n\n<?tool x?>\n<!-- c -->\n<project/>\n").before_root;
+  ASSERT_TRUE(before);
+  EXPECT_EQ(before->kind + " " + std::to_string(before->line) + " " + before->root_element,
+            "processing instruction 3 project");
 }
 
 TEST_F(Loading, RepairKeepsCarriageReturnsAndJoinsLinesWithoutSeparator) {
