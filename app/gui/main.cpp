@@ -49,6 +49,7 @@ int main(int argc, char** argv) {
       QObject::connect(preview, &quillory::gui::TitlePreview::frameSettled, &settled, &QEventLoop::quit);
       settled.exec();
     }
+    QCoreApplication::sendPostedEvents();  // the status line laid out for what it now says
     return window.grab().save(picture) ? 0 : 1;
   }
   return QApplication::exec();
