@@ -141,6 +141,12 @@ void add_options(CLI::App& app, Options& options) {
                             "print the source's templates, clips and rates; write nothing");
   app.add_flag("--json", options.json, "with --list: print the listing as one JSON document")
       ->needs(list);
+  app.add_option("--media-folder", options.media_folder,
+                 "with --list --json: look for each clip's media file by name below DIR where it "
+                 "is not where the source says")
+      ->option_text("DIR")
+      ->check(CLI::ExistingDirectory)
+      ->needs(list);
   app.add_flag("--preview", options.preview, "print every clip's title text; write nothing");
   app.add_flag("--quiet", options.quiet, "leave out the progress lines");
   app.add_flag("--tolerant", options.tolerant,

@@ -34,6 +34,8 @@ struct Options {
   unsigned jobs = 0;  // sources worked on at once; 0: one per core
   bool list = false;
   bool json = false;
+  // Where --list --json looks for a clip's media by name when it is not where the source says.
+  std::optional<std::string> media_folder;
   bool preview = false;
   bool quiet = false;
   bool tolerant = false;

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "media/clip_media.h"
+
 namespace quillory::cli {
 namespace {
 
@@ -18,6 +20,12 @@ nlohmann::ordered_json iso_date_time(const std::optional<DateTime>& time) {
 nlohmann::ordered_json rate_or_null(const std::string& rate) {
   if (rate.empty()) return nullptr;
   return rate;
+}
+
+nlohmann::ordered_json found_media(const ClipRecord& clip, const media::MediaFolder* folder) {
+  const auto path = media::locate_media(media::clip_media(clip), folder);
+  if (!path) return nullptr;
+  return *path;
 }
 
 void print_json(const nlohmann::ordered_json& document, std::ostream& out) {
@@ -47,7 +55,8 @@ void print_listing(const OpenedSource& opened, std::ostream& out) {
 }
 
 void print_json_listing(const OpenedSource& opened, std::ostream& out,
-                        const std::optional<std::string>& source) {
+                        const std::optional<std::string>& source,
+                        const media::MediaFolder* media_folder) {
   nlohmann::ordered_json listing;
   if (source) listing["source"] = *source;
   listing["templates"] = nlohmann::ordered_json::array();
@@ -65,7 +74,8 @@ void print_json_listing(const OpenedSource& opened, std::ostream& out,
                                 {"take", clip.shottake},
                                 {"timecode", clip.frame_string},
                                 {"date", iso_date_time(clip.time)},
-                                {"rate", rate_or_null(opened.clip_rates[i])}});
+                                {"rate", rate_or_null(opened.clip_rates[i])},
+                                {"media", found_media(clip, media_folder)}});
   }
   listing["sequences"] = nlohmann::ordered_json::array();
   for (const auto& sequence : opened.sequences) {

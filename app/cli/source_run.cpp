@@ -54,8 +54,10 @@ void show(const Options& options, const Controller& controller, const Form& form
     print_preview(controller.source().clips, controller.title_settings(form).lines, streams.out);
   } else if (options.json) {
     // In a batch each listing names its source, to tell the array's objects apart.
+    const media::MediaFolder folder(options.media_folder.value_or(""));
     print_json_listing(controller.source(), streams.out,
-                       options.sources.size() > 1 ? std::optional(options.source) : std::nullopt);
+                       options.sources.size() > 1 ? std::optional(options.source) : std::nullopt,
+                       options.media_folder ? &folder : nullptr);
   } else {
     print_listing(controller.source(), streams.out);
   }

@@ -19,6 +19,7 @@ const QString kRate = QStringLiteral("rate");
 const QString kTolerant = QStringLiteral("acceptIncompleteExports");
 const QString kImportSafe = QStringLiteral("importSafeOutput");
 const QString kLastFolder = QStringLiteral("lastFolder");
+const QString kMediaFolder = QStringLiteral("preview/mediaFolder");
 const QString kGeometry = QStringLiteral("window/geometry");
 
 bool is_choice_title(const QString& title) {
@@ -50,6 +51,7 @@ FormSettings load_form_settings(const QSettings& settings) {
   values.tolerant = settings.value(kTolerant, false).toBool();
   values.import_safe = settings.value(kImportSafe, false).toBool();
   values.last_folder = settings.value(kLastFolder).toString();
+  values.media_folder = settings.value(kMediaFolder).toString();
   values.geometry = settings.value(kGeometry).toByteArray();
   return values;
 }
@@ -64,6 +66,7 @@ void save_form_settings(QSettings& settings, const FormSettings& values) {
   settings.setValue(kTolerant, values.tolerant);
   settings.setValue(kImportSafe, values.import_safe);
   settings.setValue(kLastFolder, values.last_folder);
+  settings.setValue(kMediaFolder, values.media_folder);
   settings.setValue(kGeometry, values.geometry);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 // What the window remembers between launches: the title line set-up, the Timecode Reader
 // checkbox, the rate, whether incomplete exports are accepted and output is import-safe, the
-// folder of the last document and the window's geometry.
+// folder of the last document, the preview's media folder and the window's geometry.
 
 #include <QByteArray>
 #include <QSettings>
@@ -18,6 +18,7 @@ struct FormSettings {
   bool tolerant = false;
   bool import_safe = false;
   QString last_folder;
+  QString media_folder;  // where the preview looks for media by name; "" for nowhere
   QByteArray geometry;
 };
 

@@ -1,12 +1,14 @@
 // quillory-gui: the Quillory window.
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QIcon>
 #include <QMessageBox>
 #include <QStyle>
 #include <exception>
 
 #include "main_window.h"
+#include "title_preview.h"
 #include "startup/startup.h"
 #include "titles/replace_file.h"
 
@@ -40,6 +42,14 @@ int main(int argc, char** argv) {
   const QString picture = qEnvironmentVariable("QUILLORY_GUI_SCREENSHOT");
   if (!picture.isEmpty()) {
     window.resize(1000, 700);
+    // What a person sees a moment after opening: the first clip's frame, or why there is none.
+    auto* preview = window.findChild<quillory::gui::TitlePreview*>();
+    if (preview != nullptr && preview->framePending()) {
+      QEventLoop settled;
+      QObject::connect(preview, &quillory::gui::TitlePreview::frameSettled, &settled, &QEventLoop::quit);
+      settled.exec();
+    }
+    QCoreApplication::sendPostedEvents();  // the status line laid out for what it now says
     return window.grab().save(picture) ? 0 : 1;
   }
   return QApplication::exec();

@@ -107,6 +107,7 @@ void MainWindow::restoreSettings() {
   form_->restore(values);
   document_->tolerantBox()->setChecked(values.tolerant);
   last_folder_ = values.last_folder;
+  preview_->setMediaFolder(values.media_folder);
   if (values.geometry.isEmpty() || !restoreGeometry(values.geometry)) resize(sizeHint());
 }
 
@@ -115,6 +116,7 @@ void MainWindow::saveSettings() const {
   form_->store(values);
   values.tolerant = document_->tolerant();
   values.last_folder = last_folder_;
+  values.media_folder = preview_->mediaFolder();
   values.geometry = saveGeometry();
   QSettings settings;
   save_form_settings(settings, values);

@@ -5,7 +5,9 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QGroupBox>
+#include <QLabel>
 #include <QHBoxLayout>
 #include <QMenuBar>
 #include <QProgressBar>
@@ -40,8 +42,9 @@ void MainWindow::buildWidgets() {
       preview_box);
   (new QVBoxLayout(preview_box))->addWidget(preview_);
   auto* columns = new QHBoxLayout;
-  columns->addWidget(form_, 3);
-  columns->addWidget(preview_box, 2);
+  // The form keeps its natural width; the preview takes all the room the window gives.
+  columns->addWidget(form_, 0);
+  columns->addWidget(preview_box, 1);
 
   // The run and where its file went.
   create_button_ = new QPushButton(tr("&Create Titles"), central);
@@ -62,6 +65,12 @@ void MainWindow::buildWidgets() {
   layout->addLayout(columns, 1);
   layout->addLayout(run_row);
   layout->addWidget(log_);
+
+  // Why the preview shows no frame, for as long as it shows none.
+  auto* media_status = new QLabel(this);
+  media_status->setObjectName(QStringLiteral("mediaStatus"));
+  statusBar()->addPermanentWidget(media_status);
+  connect(preview_, &TitlePreview::mediaStatus, media_status, &QLabel::setText);
 
   auto* bar = new QProgressBar(this);
   bar->setObjectName(QStringLiteral("progress"));
@@ -91,6 +100,14 @@ void MainWindow::buildMenus() {
   file->addSeparator();
   QAction* quit = file->addAction(tr("&Quit"), this, &QWidget::close);
   quit->setShortcut(QKeySequence::Quit);
+
+  QMenu* preview = menuBar()->addMenu(tr("&Preview"));
+  preview->addAction(tr("Media &Folder…"), this, [this] {
+    const QString folder = QFileDialog::getExistingDirectory(
+        this, tr("Media Folder: where to look for media by file name"), preview_->mediaFolder());
+    if (!folder.isEmpty()) preview_->setMediaFolder(folder);
+  });
+  preview->addAction(preview_->actualSizeAction());
 }
 
 void MainWindow::setTabOrder() {

@@ -49,6 +49,11 @@ void TitleCanvas::setLines(const QStringList& lines) {
   update();
 }
 
+void TitleCanvas::setPicture(const QImage& picture) {
+  picture_ = picture;
+  update();
+}
+
 TitleLayout TitleCanvas::layout(const QStringList& lines) const {
   TitleLayout result;
   result.frame = QRectF(0, 0, frame_.width, frame_.height);
@@ -110,7 +115,11 @@ void TitleCanvas::draw(QPainter& painter, const QRectF& target) const {
   painter.translate(origin);
   painter.scale(scale, scale);
   const TitleLayout placed = layout(lines_);
-  painter.fillRect(placed.frame, QColor(48, 48, 48));
+  if (picture_.isNull()) {
+    painter.fillRect(placed.frame, QColor(48, 48, 48));
+  } else {
+    painter.drawImage(placed.frame, picture_);
+  }
   QPen guide(QColor(110, 110, 110), 0, Qt::DashLine);
   painter.setPen(guide);
   painter.drawRect(placed.action_safe);

@@ -1,7 +1,8 @@
 #pragma once
-// A title drawn as the template describes it, over a dark frame of the sequence's size with
-// the action-safe (90%) and title-safe (80%) guides, scaled to the widget with the frame's
-// aspect kept. A line that runs outside title-safe is outlined in red.
+// A title drawn as the template describes it, over the clip's own picture where it is had (else
+// a dark frame) of the sequence's size with the action-safe (90%) and title-safe (80%) guides,
+// scaled to the widget with the frame's aspect kept. A line that runs outside title-safe is
+// outlined in red.
 //
 // The drawing approximates Final Cut Pro's Text and Outline Text generators: Qt's text
 // rendering stands in for theirs, a font that is not installed is drawn with Qt's nearest
@@ -35,7 +36,11 @@ class TitleCanvas : public QWidget {
 
   void setStyle(const TitleStyle& style, FrameSize frame);
   void setLines(const QStringList& lines);
+  // The picture under the title, stretched to the frame; a null image gives the dark frame.
+  void setPicture(const QImage& picture);
+  const QImage& picture() const { return picture_; }
 
+  FrameSize frame() const { return frame_; }
   // The font the lines are drawn with, and where they fall.
   const QFont& font() const { return font_; }
   TitleLayout layout(const QStringList& lines) const;
@@ -44,7 +49,7 @@ class TitleCanvas : public QWidget {
   // The whole frame, drawn at `width` pixels wide.
   QImage render(int width) const;
 
-  QSize sizeHint() const override { return {320, 180}; }
+  QSize sizeHint() const override { return {512, heightForWidth(512)}; }
   bool hasHeightForWidth() const override { return true; }
   int heightForWidth(int width) const override;
 
@@ -58,6 +63,7 @@ class TitleCanvas : public QWidget {
   FrameSize frame_;
   QFont font_;
   QStringList lines_;
+  QImage picture_;
 };
 
 }  // namespace quillory::gui

@@ -28,6 +28,7 @@ struct ClipRecord {
   std::string lognote;
   std::string frame_string;
   std::optional<DateTime> time;
+  std::string path_url;  // of its media file, as the document writes it; "" when not given
   xmlNode* xml = nullptr;         // the clip's <clip> element in the source document
   xml::SharedDocument document;  // keeps that document alive
   // The full definition of the clip's media file, when the document holds one.

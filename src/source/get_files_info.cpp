@@ -51,7 +51,7 @@ class FileReader {
     record.reel = xml::text_content(xml::first_descendant(file, "name", "reel"));
     record.frame_string = xml::text_content(xml::first_descendant(file, "string", "timecode"));
     record.time = recording_time(file);
-    record.xml = file;
+    record.path_url = xml::text_content(xml::first_child_element(file, "pathurl"));
     return record;
   }
 

@@ -78,6 +78,7 @@ class ClipReader {
       record.frame_string = media->frame_string;
       record.time = media->time;
       record.media_file = media->xml;
+      record.path_url = media->path_url;
       made.insert(made.end(), media->assumptions.begin(), media->assumptions.end());
     }
     if (tolerant_ && xml::first_child_element(clip, "logginginfo") == nullptr) {

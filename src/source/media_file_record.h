@@ -18,7 +18,7 @@ struct MediaFileRecord {
   std::string reel;          // "" when the file names no reel
   std::string frame_string;  // first-frame timecode; "" when the file gives none
   std::optional<DateTime> time;  // recording date and time, when the metadata gives one
-  const xmlNode* xml = nullptr;  // the <file> definition
+  std::string path_url;  // where the media lies, as written ("file://localhost/…"); "" if not
   // What tolerant reading assumed for this file; every clip that uses it reports them.
   std::vector<std::string> assumptions;
   const xmlNode* xml = nullptr;  // the <file> definition itself

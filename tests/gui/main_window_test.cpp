@@ -34,6 +34,7 @@
 #include "batch_dialog.h"
 #include "command_line.h"
 #include "log_pane.h"
+#include "media/colour_clip.h"
 #include "title_canvas.h"
 #include "title_preview.h"
 
@@ -415,6 +416,68 @@ class MainWindowTest : public QObject {
     if (alignment == int(quillory::TextAlignment::Right)) QCOMPARE(lines[0].right(), lines[1].right());
     if (alignment == int(quillory::TextAlignment::Centre)) QVERIFY(qAbs(lines[1].center().x() - width / 2.0) < 1);
     QVERIFY(qAbs(text.left() - left / 2) < 6 && qAbs(text.right() - right / 2) < 6);
+  }
+
+  // Each clip's title over its own frame, the one at its <in>, from where the document says or
+  // found by name in the media folder; a file found nowhere leaves the dark frame, and the
+  // status line says so. The window's first size gives the frame room to be read.
+  void previewDrawsEachClipsOwnFrame() {
+    auto* preview = window_->findChild<quillory::gui::TitlePreview*>();
+    auto* canvas = preview->canvas();
+    const auto drawn_width = [canvas] {
+      const quillory::FrameSize frame = canvas->frame();
+      return std::min<double>(canvas->width(), canvas->height() * double(frame.width) / frame.height);
+    };
+    QVERIFY2(drawn_width() >= 480, qPrintable(QString::number(drawn_width())));
+
+    QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("moved/day 1")));
+    const QString here = folder.filePath(QStringLiteral("colours.mov"));
+    QVERIFY(quillory::test::make_colour_clip(here.toStdString()));
+    QVERIFY(QFile::copy(here, folder.filePath(QStringLiteral("moved/day 1/elsewhere.mov"))));
+    const auto clip = [](const QByteArray& name, int in, const QByteArray& url) {
+      return "<clip id=\"" + name + "\"><name>" + name + "</name><duration>5</duration><rate><ntsc>FALSE"
+             "</ntsc><timebase>25</timebase></rate><media><video><track><clipitem id=\"" + name +
+             "-v\"><start>0</start><end>5</end><in>" + QByteArray::number(in) + "</in><out>" +
+             QByteArray::number(in + 5) + "</out><file id=\"" + name + "-f\"><name>" + name +
+             ".mov</name><pathurl>" + url + "</pathurl></file></clipitem></track></video></media>"
+             "<logginginfo><scene/><shottake/><lognote/></logginginfo></clip>";
+    };
+    const QString source = folder.filePath(QStringLiteral("reachable.xml"));
+    QVERIFY(write_all(source, "<xmeml>" + clip("red", 0, QUrl::fromLocalFile(here).toEncoded()) +
+                                  clip("blue", 12, "file://localhost/Volumes/RAID/elsewhere.mov") +
+                                  clip("gone", 7, "file://localhost/Volumes/RAID/missing.mov") + "</xmeml>"));
+    QVERIFY(window_->openDocument(source));
+
+    struct Step {
+      int clip;
+      const char* media_folder;
+      QColor under_title;
+      const char* status;
+    };
+    const QColor dark(48, 48, 48);
+    const Step steps[] = {{0, "", Qt::red, ""},
+                          {1, "", dark, "media not found: elsewhere.mov"},
+                          {2, "", dark, "media not found: missing.mov"},
+                          {1, "moved", Qt::blue, ""},
+                          {0, "moved", Qt::red, ""}};
+    for (const Step& step : steps) {
+      preview->setMediaFolder(*step.media_folder ? folder.filePath(step.media_folder) : QString());
+      control<QComboBox>("previewClip")->setCurrentIndex(step.clip);
+      QTRY_VERIFY_WITH_TIMEOUT(!preview->framePending(), 60000);
+      QCOMPARE(control<QLabel>("mediaStatus")->text(), QString::fromLatin1(step.status));
+      // At the height of the title block's centre, left of the safe-area guides.
+      const QImage drawn = canvas->render(canvas->width());
+      const double centre = canvas->layout({QStringLiteral("x")}).lines.constFirst().center().y();
+      const double scale = double(drawn.width()) / canvas->frame().width;
+      const QColor under = drawn.pixelColor(drawn.width() / 25, int(centre * scale));
+      const auto near = [](int a, int b) { return qAbs(a - b) <= 24; };
+      QVERIFY2(near(under.red(), step.under_title.red()) && near(under.green(), step.under_title.green()) &&
+                   near(under.blue(), step.under_title.blue()),
+               qPrintable(QStringLiteral("clip %1: %2").arg(step.clip).arg(under.name())));
+    }
+    preview->actualSizeAction()->trigger();
+    QCOMPARE(canvas->size(), QSize(canvas->frame().width, canvas->frame().height));
   }
 
   // Cancel during a long run: the previous file byte for byte, and no temporary file.
