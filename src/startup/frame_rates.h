@@ -8,6 +8,8 @@
 #include <variant>
 #include <vector>
 
+#include "startup/frame_rate.h"
+
 namespace quillory {
 
 struct RateRecord {
@@ -15,6 +17,8 @@ struct RateRecord {
   int timebase;           // whole frames per second, as in <rate><timebase>
   std::string_view ntsc;  // "TRUE" or "FALSE", as in <rate><ntsc>
   std::variant<int, double> fcp_rate;  // nominal rate: a decimal only for the NTSC rows
+
+  constexpr FrameRate frame_rate() const { return {timebase, ntsc == "TRUE"}; }
 };
 
 inline constexpr std::array<RateRecord, 8> FRAME_RATES{{

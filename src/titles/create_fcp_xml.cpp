@@ -50,28 +50,36 @@ std::string clip_warning(std::size_t index, const ClipRecord& clip, const std::s
          "\" (line " + std::to_string(xmlGetLineNo(clip.xml)) + "): " + what;
 }
 
-std::string seconds(long long frames, const RateRecord& rate) {
-  const double per_second = std::visit([](auto value) { return static_cast<double>(value); }, rate.fcp_rate);
+std::string seconds(const RationalTime& time) {
   char text[32];
-  std::snprintf(text, sizeof text, "%.1f s", static_cast<double>(frames) / per_second);
+  std::snprintf(text, sizeof text, "%.1f s", time.seconds());
   return text;
 }
 
-// A clip of another rate than the sequence's keeps its frame count, and so runs longer or
-// shorter than it does in its own rate: `what` says how much, or "" at the sequence's rate.
-std::string other_rate(const std::string& clip_rate, const TitleSettings& settings, long long frames) {
+// The rows of the clip's rate and of the sequence's when they differ; none at the sequence's
+// rate, or where either matches no row.
+std::optional<std::pair<RateRecord, RateRecord>> other_rate(const std::string& clip_rate,
+                                                            const TitleSettings& settings) {
   const auto own = find_frame_rate_by_type(clip_rate);
   const auto sequence = find_frame_rate(settings.ntsc, settings.timebase);
-  if (!own || !sequence || frames <= 0) return "";
-  if (own->timebase == sequence->timebase && own->ntsc == sequence->ntsc) return "";
-  return "its rate is " + std::string(own->type) + ", the sequence's " + std::string(sequence->type) +
-         ": its " + std::to_string(frames) + " frames run " + seconds(frames, *sequence) +
-         " of its " + seconds(frames, *own);
+  if (!own || !sequence || own->frame_rate() == sequence->frame_rate()) return std::nullopt;
+  return std::pair{*own, *sequence};
+}
+
+// A clip of another rate than the sequence's keeps its frame count, and so runs longer or
+// shorter on the sequence than it does in its own rate: say how much.
+std::string other_rate_warning(const RateRecord& own, const RateRecord& sequence, long long frames) {
+  return "its rate is " + std::string(own.type) + ", the sequence's " + std::string(sequence.type) +
+         ": its " + std::to_string(frames) + " frames run " +
+         seconds(sequence.frame_rate().frames(frames)) + " of its " +
+         seconds(own.frame_rate().frames(frames));
 }
 
 // Where one clip goes, decided before anything is written.
 struct PlacedClip {
-  std::string start, end, length;
+  std::string start, end;
+  std::string length;        // on the sequence, in its frames
+  std::string media_length;  // of its media, in the clip's own frames
   std::string title_text;
   std::string label;
   xmlNode* video_item = nullptr;  // the source's; none only in tolerant reading
@@ -188,12 +196,23 @@ class Planner {
     const long long length = clip_length(clip.xml, placed.video_item, first_audio, placed.label,
                                          settings_.tolerant, made);
     out_.line("  " + clip.clip_name + ", " + clip.file_name + ", " + std::to_string(length));
-    placed.start = std::to_string(position_);
-    position_ = add_frames(position_, length, placed.label);
-    placed.end = std::to_string(position_);
-    placed.length = std::to_string(length);
+    const auto rates = index < clip_rates_.size() ? other_rate(clip_rates_[index], settings_)
+                                                  : std::nullopt;
+    // Import-safe output places a clip of another rate for as long as it runs; otherwise its
+    // frame count is taken as the sequence's frames, and a warning says what that does.
+    long long span = length;
     std::string odd = odd_duration(clip.xml);
-    if (odd.empty() && index < clip_rates_.size()) odd = other_rate(clip_rates_[index], settings_, length);
+    if (rates && settings_.import_safe && length > 0) {
+      const auto& [own, sequence] = *rates;
+      span = own.frame_rate().frames(length).rescaled_to(sequence.frame_rate().per_second()).value();
+    } else if (rates && odd.empty() && length > 0) {
+      odd = other_rate_warning(rates->first, rates->second, length);
+    }
+    placed.start = std::to_string(position_);
+    position_ = add_frames(position_, span, placed.label);
+    placed.end = std::to_string(position_);
+    placed.length = std::to_string(span);
+    placed.media_length = std::to_string(length);
     if (!odd.empty()) warnings_.push_back(clip_warning(index, clip, odd));
   }
 
@@ -294,7 +313,7 @@ class ItemWriter {
 
   // The <in>, <out> and <file> that the placed copy lacks.
   static void complete(xmlNode* item, const PlacedClip& clip) {
-    add_source_range(item, clip.length);
+    add_source_range(item, clip.media_length);
     if (clip.own_file != nullptr && !has_file(item)) add_file(item, clip.own_file);
   }
 
