@@ -132,9 +132,8 @@ TitleSettings Controller::title_settings(const Form& form) const {
   settings.template_name = template_used(form.templatePopup);
   settings.sequence_name = form.nameField;
   if (source_.sequence != nullptr) {
-    // Titles over a sequence run at the sequence's own rate, as written.
-    settings.ntsc = source_.sequence_ntsc;
-    settings.timebase = source_.sequence_timebase;
+    // Titles over a sequence run at the sequence's own rate.
+    settings.rate = source_.sequence_rate;
   } else {
     const auto chosen = form.ratePopup ? find_frame_rate_by_type(*form.ratePopup) : std::nullopt;
     settings.set_rate(chosen ? *chosen : default_sequence_rate(source_.frame_rates));

@@ -210,8 +210,8 @@ const SequenceSummary* find_sequence(const std::vector<SequenceSummary>& sequenc
 
 // The chosen sequence's rate: one the table holds, else (tolerant reading) kept as written.
 void check_sequence_rate(const SequenceSummary& sequence, bool tolerant, OpenedSource& opened) {
-  opened.sequence_ntsc = sequence.ntsc;
-  opened.sequence_timebase = static_cast<int>(sequence.timebase);
+  opened.sequence_rate = FrameRate(static_cast<int>(sequence.timebase),
+                                   FrameRate::read_ntsc(sequence.ntsc, true).value_or(false));
   if (!sequence.rate.empty()) {
     opened.frame_rates = {sequence.rate};
     return;

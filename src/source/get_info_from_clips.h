@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "source/clip_record.h"
+#include "startup/frame_rate.h"
 #include "source/parse_xml_file.h"
 #include "source/sequence_shots.h"
 #include "source/line_sink.h"
@@ -42,8 +43,7 @@ struct OpenedSource {
   // Where a sequence was chosen: its element, whose shots `clips` are, and its rate as
   // written; the document is kept for it even when no shot holds it.
   xmlNode* sequence = nullptr;
-  std::string sequence_ntsc;
-  int sequence_timebase = 0;
+  FrameRate sequence_rate;
   xml::SharedDocument document;
   // Warnings about the document as a whole, beside those of its clips.
   std::vector<std::string> warnings;

@@ -14,6 +14,10 @@ std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timeb
   return std::nullopt;
 }
 
+std::optional<RateRecord> find_frame_rate(const FrameRate& rate) {
+  return find_frame_rate(rate.ntsc_text(), rate.timebase());
+}
+
 std::optional<RateRecord> find_frame_rate_loosely(std::string_view ntsc, long long timebase) {
   std::string upper(xml::trim_blanks(ntsc));
   for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));

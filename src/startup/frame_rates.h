@@ -36,6 +36,9 @@ inline constexpr std::array<RateRecord, 8> FRAME_RATES{{
 // `timebase`; none when no row matches.
 std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timebase);
 
+// The row of `rate`; none when no row has it.
+std::optional<RateRecord> find_frame_rate(const FrameRate& rate);
+
 // As find_frame_rate, but the NTSC text is compared without its surrounding blanks and
 // ignoring case, so "False" and " true " match: how writers other than Final Cut Pro spell it.
 std::optional<RateRecord> find_frame_rate_loosely(std::string_view ntsc, long long timebase);

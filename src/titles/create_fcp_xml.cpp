@@ -61,7 +61,7 @@ std::string seconds(const RationalTime& time) {
 std::optional<std::pair<RateRecord, RateRecord>> other_rate(const std::string& clip_rate,
                                                             const TitleSettings& settings) {
   const auto own = find_frame_rate_by_type(clip_rate);
-  const auto sequence = find_frame_rate(settings.ntsc, settings.timebase);
+  const auto sequence = find_frame_rate(settings.rate);
   if (!own || !sequence || own->frame_rate() == sequence->frame_rate()) return std::nullopt;
   return std::pair{*own, *sequence};
 }
@@ -118,8 +118,8 @@ struct Outline {
     if (sequence == nullptr) fail(owner + " has no <sequence>");
     xml::set_text(required_child(sequence, "name", owner), settings.sequence_name);
     xmlNode* rate = required_child(sequence, "rate", owner);
-    xml::set_text(required_child(rate, "ntsc", owner), settings.ntsc);
-    xml::set_text(required_child(rate, "timebase", owner), std::to_string(settings.timebase));
+    xml::set_text(required_child(rate, "ntsc", owner), std::string(settings.rate.ntsc_text()));
+    xml::set_text(required_child(rate, "timebase", owner), std::to_string(settings.rate.timebase()));
     video_tracks = xml::elements_at(sequence, {"media", "video", "track"});
     audio_tracks = xml::elements_at(sequence, {"media", "audio", "track"});
     if (video_tracks.size() < 2 || audio_tracks.size() < kAudioTracks) {

@@ -14,9 +14,8 @@ struct TitleSettings {
   // The template whose name this is; none, or a name no template has: the first template.
   std::optional<std::string> template_name;
   std::string sequence_name;
-  // The new sequence's rate, as its <rate><ntsc> and <timebase> are to hold it.
-  std::string ntsc = "TRUE";
-  int timebase = 30;
+  // The new sequence's rate.
+  FrameRate rate{30, true};
   LineSettings lines = default_line_settings();
   bool timecode_reader = false;
   // Take clips that lack something with a stated assumption instead of stopping.
@@ -29,10 +28,7 @@ struct TitleSettings {
 
   bool operator==(const TitleSettings&) const = default;
 
-  void set_rate(const RateRecord& rate) {
-    ntsc = std::string(rate.ntsc);
-    timebase = rate.timebase;
-  }
+  void set_rate(const RateRecord& row) { rate = row.frame_rate(); }
 };
 
 }  // namespace quillory

@@ -85,12 +85,12 @@ TEST_F(ControllerTest, SettingsFollowTheFormAtEachRun) {
   form.tcrCheckbox = -1;  // mixed: no Timecode Reader
   TitleSettings settings = controller.title_settings(form);
   // No rate chosen: the document's first; a rate no row has is the same as none.
-  EXPECT_EQ(settings.ntsc + std::to_string(settings.timebase), "FALSE25");
+  EXPECT_EQ(settings.rate, FrameRate(25, false));
   form.ratePopup = "HD (59.94fps)";
   settings = controller.title_settings(form);
-  EXPECT_EQ(settings.ntsc + std::to_string(settings.timebase), "TRUE60");
+  EXPECT_EQ(settings.rate, FrameRate(60, true));
   form.ratePopup = "HD (59.94 fps)";
-  EXPECT_EQ(controller.title_settings(form).timebase, 25);
+  EXPECT_EQ(controller.title_settings(form).rate.timebase(), 25);
   EXPECT_EQ(settings.template_name, "Default");
   EXPECT_FALSE(settings.timecode_reader || settings.import_safe);
   form.templatePopup = "Slate";
