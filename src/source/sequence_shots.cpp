@@ -230,6 +230,7 @@ ClipRecord shot_record(const Span& span, long long start, long long end,
       record.reel = media->reel;
       record.time = media->time;
       record.media_file = media->xml;
+      record.path_url = media->path_url;
     }
     if (const xmlNode* file = item_file(span.item, index)) {
       record.frame_string = first_frame_timecode(span, start, file, sequence.timebase);
