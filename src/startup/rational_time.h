@@ -3,7 +3,8 @@
 // (30000/1001 frames at 29.97, 25 at PAL, or 30000 for a time written in 1/30000ths of a
 // second); a RationalTime is a whole count of such units; a TimeRange a start and a duration
 // on one scale. A time changes scale only through rescaled_to, which rounds to the nearest
-// unit of the new scale, halves away from zero, so every conversion rounds the same way.
+// unit of the new scale, halves away from zero, so every conversion rounds the same way. Sums,
+// differences and comparisons are exact: times of two scales add on a scale that counts both.
 
 #include <compare>
 #include <cstdint>
@@ -28,6 +29,12 @@ class TimeScale {
     return static_cast<double>(units_) / static_cast<double>(seconds_);
   }
   constexpr bool operator==(const TimeScale&) const = default;
+
+  // The coarsest scale on which a whole count of units of either scale is a whole count:
+  // 120000 units a second for 24000/1001 and 30000/1001.
+  static constexpr TimeScale common(TimeScale a, TimeScale b) {
+    return {a.units_ / gcd(a.units_, b.units_) * b.units_, gcd(a.seconds_, b.seconds_)};
+  }
 
  private:
   static constexpr long long gcd(long long a, long long b) {
@@ -61,16 +68,22 @@ class RationalTime {
     return {static_cast<long long>(divide_rounding(numerator, denominator)), scale};
   }
 
+  // On this time's scale when both share it, else on their common scale: never rounded.
   constexpr RationalTime operator+(const RationalTime& other) const {
-    return {value_ + other.rescaled_to(scale_).value_, scale_};
+    const TimeScale scale = TimeScale::common(scale_, other.scale_);
+    return {rescaled_to(scale).value_ + other.rescaled_to(scale).value_, scale};
   }
   constexpr RationalTime operator-(const RationalTime& other) const {
-    return {value_ - other.rescaled_to(scale_).value_, scale_};
+    const TimeScale scale = TimeScale::common(scale_, other.scale_);
+    return {rescaled_to(scale).value_ - other.rescaled_to(scale).value_, scale};
   }
-  // Equal when they stand for the same instant, whatever their scales.
-  constexpr bool operator==(const RationalTime& other) const {
-    return static_cast<WideCount>(value_) * other.scale_.units() * scale_.seconds() ==
+  // Ordered by the instants they stand for, whatever their scales.
+  constexpr std::strong_ordering operator<=>(const RationalTime& other) const {
+    return static_cast<WideCount>(value_) * other.scale_.units() * scale_.seconds() <=>
            static_cast<WideCount>(other.value_) * scale_.units() * other.scale_.seconds();
+  }
+  constexpr bool operator==(const RationalTime& other) const {
+    return (*this <=> other) == std::strong_ordering::equal;
   }
 
  private:

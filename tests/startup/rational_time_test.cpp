@@ -45,6 +45,17 @@ TEST(RationalTime, RangeAcrossARateChangeKeepsItsEnd) {
   EXPECT_NE(k_ntsc.frames(30), k_film.frames(30));    // 29.97 is not 30
 }
 
+TEST(RationalTime, SumsAcrossScalesAreExact) {
+  // 1001/24000 s + 1001/30000 s = 9009/120000 s: neither frame grid holds it.
+  const RationalTime sum = RationalTime(1001, TimeScale(24000, 1)) +
+                           RationalTime(1001, TimeScale(30000, 1));
+  EXPECT_EQ(sum.scale(), TimeScale(120000, 1));
+  EXPECT_EQ(sum.value(), 9009);
+  EXPECT_EQ(sum - RationalTime(1001, TimeScale(30000, 1)), k_24p.frames(1));
+  EXPECT_GT(k_ntsc.frames(30), k_film.frames(24));  // 1.001 s
+  EXPECT_GT(RationalTime(3600, TimeScale(1, 1)), k_ntsc.frames(107892));  // 3599.996 s
+}
+
 TEST(FrameRate, ReadsTheNtscFlagStrictlyOrLoosely) {
   EXPECT_EQ(FrameRate::read_ntsc("TRUE", false), true);
   EXPECT_EQ(FrameRate::read_ntsc("True", false), std::nullopt);
