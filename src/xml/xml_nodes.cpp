@@ -1,5 +1,7 @@
 #include "xml/xml_nodes.h"
 
+#include <libxml/uri.h>
+
 #include <cctype>
 #include <climits>
 #include <cstdint>
@@ -146,6 +148,13 @@ long long leading_integer(const std::string& text) {
     value = value * 10 + digit;
   }
   return negative ? -value : value;
+}
+
+std::string uri_unescaped(std::string_view text) {
+  if (text.empty()) return {};  // a length of 0 would have libxml2 read up to a NUL
+  const XmlString decoded(reinterpret_cast<xmlChar*>(
+      xmlURIUnescapeString(text.data(), static_cast<int>(text.size()), nullptr)));
+  return decoded ? reinterpret_cast<const char*>(decoded.get()) : std::string(text);
 }
 
 }  // namespace quillory::xml

@@ -60,4 +60,8 @@ std::string_view trim_blanks(std::string_view text);
 // reading stops at the first non-digit, no digits give 0. Out-of-range values saturate.
 long long leading_integer(const std::string& text);
 
+// A URI's text with its percent-escapes decoded ("%20" a space), by libxml2; a '%' not
+// followed by two hex digits is kept as written.
+std::string uri_unescaped(std::string_view text);
+
 }  // namespace quillory::xml
