@@ -210,15 +210,13 @@ const SequenceSummary* find_sequence(const std::vector<SequenceSummary>& sequenc
 
 // The chosen sequence's rate: one the table holds, else (tolerant reading) kept as written.
 void check_sequence_rate(const SequenceSummary& sequence, bool tolerant, OpenedSource& opened) {
-  opened.sequence_rate = FrameRate(static_cast<int>(sequence.timebase),
-                                   FrameRate::read_ntsc(sequence.ntsc, true).value_or(false));
+  opened.sequence_rate = sequence.frame_rate;
   if (!sequence.rate.empty()) {
     opened.frame_rates = {sequence.rate};
     return;
   }
   const std::string what = "sequence \"" + shown(sequence.name) + "\" (" + xml::where(sequence.element) +
-                           "): no frame rate matches ntsc \"" + shown(sequence.ntsc) +
-                           "\" and timebase " + std::to_string(sequence.timebase);
+                           "): no frame rate matches " + sequence.written_rate;
   if (!tolerant) throw IncompleteInput("quillory: " + what + "; accepted ntsc/timebase pairs: " + accepted_rates());
   opened.warnings.push_back("quillory: warning: " + what + ", kept as written");
 }

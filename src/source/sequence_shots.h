@@ -9,6 +9,7 @@
 
 #include "source/catalogue.h"
 #include "source/clip_record.h"
+#include "startup/frame_rate.h"
 #include "xml/xml_handles.h"
 
 namespace quillory {
@@ -17,9 +18,9 @@ struct SequenceSummary {
   std::string name;  // its <name>, or "Sequence N" (N its number among these) without one
   xmlNode* element = nullptr;
   std::string rate;  // the name of its rate's row; "" when none matches
-  std::string ntsc;  // its rate as written
-  long long timebase = 0;
-  long long duration = 0;
+  FrameRate frame_rate;      // its rate as written, the NTSC flag read loosely
+  std::string written_rate;  // the same, for a message: ntsc "True" and timebase 30
+  RationalTime duration;     // its <duration>, in its frames
   std::size_t video_tracks = 0;
   std::size_t shots = 0;
 };
