@@ -250,7 +250,8 @@ ClipRecord shot_record(const Span& span, long long start, long long end,
   read_logging(span.item, index, record);
   record.xml = const_cast<xmlNode*>(span.item);
   record.document = doc;
-  record.shot = ShotPlace{start, end, record.xml};
+  const FrameRate rate = sequence.frame_rate;
+  record.shot = ShotPlace{{rate.frames(start), rate.frames(end - start)}, record.xml};
   return record;
 }
 
@@ -303,17 +304,15 @@ std::vector<SequenceSummary> summarize_sequences(const DocumentIndex& index, boo
     summary.written_rate = "ntsc \"" + shown(ntsc) + "\" and timebase " + std::to_string(timebase);
     summary.duration = summary.frame_rate.frames(integer_child(sequence, "duration"));
     summary.video_tracks = xml::elements_at(sequence, {"media", "video", "track"}).size();
-    summary.shots = find_shots(sequence, index).size();
+    summary.shots = count_shots(sequence, index);
     summaries.push_back(std::move(summary));
   }
   return summaries;
 }
 
-std::vector<ShotPlace> find_shots(const xmlNode* sequence, const DocumentIndex& index) {
-  std::vector<ShotPlace> shots;
-  sweep(visible_spans(sequence, index), [&](const Span& span, long long start, long long end) {
-    shots.push_back({start, end, const_cast<xmlNode*>(span.item)});
-  });
+std::size_t count_shots(const xmlNode* sequence, const DocumentIndex& index) {
+  std::size_t shots = 0;
+  sweep(visible_spans(sequence, index), [&](const Span&, long long, long long) { ++shots; });
   return shots;
 }
 

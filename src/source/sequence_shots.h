@@ -50,8 +50,8 @@ class DocumentIndex {
 // as tolerant reading does.
 std::vector<SequenceSummary> summarize_sequences(const DocumentIndex& index, bool tolerant);
 
-// The shots of `sequence` in time order.
-std::vector<ShotPlace> find_shots(const xmlNode* sequence, const DocumentIndex& index);
+// How many shots `sequence` has.
+std::size_t count_shots(const xmlNode* sequence, const DocumentIndex& index);
 
 // One Clip record for each shot of `sequence`, as a master clip's is made: the facts of the
 // shot's clip item and its media file, its logging (else its master clip's), and the timecode
