@@ -20,7 +20,7 @@ std::string accepted_rates() {
   std::string text;
   for (const auto& rate : FRAME_RATES) {
     if (!text.empty()) text += ", ";
-    text += std::string(rate.ntsc) + "/" + std::to_string(rate.timebase);
+    text += std::string(rate.rate.ntsc_text()) + "/" + std::to_string(rate.rate.timebase());
   }
   return text;
 }
@@ -174,8 +174,8 @@ class ClipReader {
       opened_.clip_rates.emplace_back();
       return;
     }
-    if (rate->ntsc != ntsc) {
-      made.push_back("ntsc \"" + shown(ntsc) + "\" read as " + std::string(rate->ntsc));
+    if (rate->rate.ntsc_text() != ntsc) {
+      made.push_back("ntsc \"" + shown(ntsc) + "\" read as " + std::string(rate->rate.ntsc_text()));
     }
     out_.line("clip " + name + ": " + describe(*rate));
     opened_.clip_rates.emplace_back(rate->type);

@@ -108,7 +108,7 @@ void ImportSafeOutput::add_timecode(xmlNode* rate) {
       xml::text_content(xml::first_child_element(rate, "ntsc")),
       xml::leading_integer(xml::text_content(xml::first_child_element(rate, "timebase"))));
   TimecodeFormat shape;
-  shape.timebase = known ? known->timebase : 30;
+  shape.timebase = known ? known->rate.timebase() : 30;
   shape.drop_frame = known && known->frame_rate().drop_frame();
   xml::Node timecode(xmlNewDocNode(rate->doc, nullptr, BAD_CAST "timecode", nullptr));
   if (!timecode) throw std::bad_alloc();
