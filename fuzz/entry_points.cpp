@@ -11,6 +11,7 @@
 #include "source/get_info_from_clips.h"
 #include "source/parse_xml_file.h"
 #include "titles/create_fcp_xml.h"
+#include "titles/fcpxml_writer.h"
 #include "titles/sequence_templates.h"
 #include "titles/titles_over_sequence.h"
 #include "xml/read_xml.h"
@@ -110,7 +111,10 @@ void create(const std::uint8_t* data, std::size_t size) {
   NullSink out;
   std::filesystem::remove(output_path());
   try {
-    if (over_sequence) {
+    if (source.format == SourceFormat::Fcpxml) {
+      create_fcpxml(source.templates, source.clips, settings, source.document.get(), output_path(),
+                    out);
+    } else if (over_sequence) {
       create_titles_over_sequence(source.templates, source.clips, source.sequence, settings,
                                   output_path(), out);
     } else {

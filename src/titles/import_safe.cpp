@@ -6,6 +6,7 @@
 
 #include "source/timecode.h"
 #include "startup/frame_rates.h"
+#include "titles/node_copies.h"
 #include "xml/xml_nodes.h"
 
 namespace quillory {
@@ -44,9 +45,7 @@ void add_text_child(xmlNode* parent, const char* name, const std::string& text) 
 }
 
 void add_copy(xmlNode* parent, const xmlNode* node) {
-  xmlNode* copy = xmlDocCopyNode(const_cast<xmlNode*>(node), parent->doc, 1);
-  if (copy == nullptr) throw std::bad_alloc();
-  xmlAddChild(parent, copy);
+  append_copy(parent, const_cast<xmlNode*>(node));
 }
 
 }  // namespace
@@ -167,16 +166,12 @@ void ImportSafeOutput::define_files(xmlNode* item) {
     if (file->parent == nullptr) {
       // The item is itself the reference (a <file> straight in a copied track): it is filled
       // in place, the caller still holding it.
-      for (const xmlNode* child = definition->second->children; child != nullptr; child = child->next) {
-        xmlNode* copy = xmlDocCopyNode(const_cast<xmlNode*>(child), file->doc, 1);
-        if (copy == nullptr) throw std::bad_alloc();
-        xmlAddChild(file, copy);
+      for (xmlNode* child = definition->second->children; child != nullptr; child = child->next) {
+        append_copy(file, child);
       }
       continue;
     }
-    xmlNode* copy = xmlDocCopyNode(const_cast<xmlNode*>(definition->second), file->doc, 1);
-    if (copy == nullptr) throw std::bad_alloc();
-    xmlReplaceNode(file, copy);
+    xmlReplaceNode(file, writable_copy(definition->second, file->doc).release());
     xmlFreeNode(file);
   }
 }

@@ -15,38 +15,53 @@ bool is_blank(const xmlNode* node) {
   return true;
 }
 
-// A processing instruction named "xml" inside a document is the declaration of another one
-// pasted into it, which the recovering parser keeps. No document may hold one there: a copy
-// leaves it out, or else the written document would not parse.
+// What the recovering parser keeps from a broken document that no document may hold, so that
+// a copy leaves it out, or else the written document would not parse:
+// - a processing instruction named "xml" inside a document: the declaration of another one
+//   pasted into it;
+// - an element or attribute whose name keeps a colon without a namespace ("timebase:",
+//   "a:b" with "a" bound nowhere): the parser keeps a name it could not split into a bound
+//   prefix and a local name as written.
 bool is_stray_declaration(const xmlNode* node) {
   return node->type == XML_PI_NODE && xmlStrcasecmp(node->name, BAD_CAST "xml") == 0;
 }
 
-void remove_stray_declarations(xmlNode* element) {
+bool unbound_name(const xmlChar* name, const xmlNs* ns) {
+  return ns == nullptr && name != nullptr && xmlStrchr(name, ':') != nullptr;
+}
+
+bool is_unwritable(const xmlNode* node) {
+  return is_stray_declaration(node) ||
+         (node->type == XML_ELEMENT_NODE && unbound_name(node->name, node->ns));
+}
+
+void remove_unbound_attributes(xmlNode* element) {
+  for (xmlAttr* attribute = element->properties; attribute != nullptr;) {
+    xmlAttr* next = attribute->next;
+    if (unbound_name(attribute->name, attribute->ns)) xmlRemoveProp(attribute);
+    attribute = next;
+  }
+}
+
+void remove_unwritable(xmlNode* element) {
+  remove_unbound_attributes(element);
   for (xmlNode* child = element->children; child != nullptr;) {
     xmlNode* next = child->next;
-    if (is_stray_declaration(child)) {
+    if (is_unwritable(child)) {
       xmlUnlinkNode(child);
       xmlFreeNode(child);
     } else if (child->type == XML_ELEMENT_NODE) {
-      remove_stray_declarations(child);
+      remove_unwritable(child);
     }
     child = next;
   }
 }
 
-xml::Node copy_without_stray_declarations(const xmlNode* node, xmlDoc* output) {
-  xml::Node copy(xmlDocCopyNode(const_cast<xmlNode*>(node), output, 1));
-  if (!copy) throw std::bad_alloc();
-  if (copy->type == XML_ELEMENT_NODE) remove_stray_declarations(copy.get());
-  return copy;
-}
-
 xmlNode* append_copies(xmlNode* parent, xmlNode* first) {
   xmlNode* last_element = nullptr;
   for (xmlNode* source = first; source != nullptr; source = source->next) {
-    if (is_stray_declaration(source)) continue;
-    xml::Node copy = copy_without_stray_declarations(source, parent->doc);
+    if (is_unwritable(source)) continue;
+    xml::Node copy = writable_copy(source, parent->doc);
     const bool is_element = copy->type == XML_ELEMENT_NODE;
     xmlNode* added = xmlAddChild(parent, copy.release());  // may merge and free a text node
     if (is_element) last_element = added;
@@ -56,10 +71,17 @@ xmlNode* append_copies(xmlNode* parent, xmlNode* first) {
 
 }  // namespace
 
+xml::Node writable_copy(const xmlNode* node, xmlDoc* output) {
+  xml::Node copy(xmlDocCopyNode(const_cast<xmlNode*>(node), output, 1));
+  if (!copy) throw std::bad_alloc();
+  if (copy->type == XML_ELEMENT_NODE) remove_unwritable(copy.get());
+  return copy;
+}
+
 xml::Node clean_copy(const xmlNode* node, xmlDoc* output) {
-  // A stray declaration's copy is empty text, which the writer writes as nothing.
-  xml::Node copy = is_stray_declaration(node) ? xml::Node(xmlNewDocText(output, BAD_CAST ""))
-                                              : copy_without_stray_declarations(node, output);
+  // What may not be written is copied as empty text, which the writer writes as nothing.
+  xml::Node copy = is_unwritable(node) ? xml::Node(xmlNewDocText(output, BAD_CAST ""))
+                                              : writable_copy(node, output);
   if (!copy) throw std::bad_alloc();
   if (copy->type == XML_ELEMENT_NODE) remove_formatting_blanks(copy.get());
   return copy;
@@ -69,8 +91,8 @@ xmlNode* append_copy(xmlNode* parent, xmlNode* node) {
   if (node->type == XML_DOCUMENT_NODE || node->type == XML_HTML_DOCUMENT_NODE) {
     return append_copies(parent, node->children);
   }
-  if (is_stray_declaration(node)) return nullptr;
-  return xmlAddChild(parent, copy_without_stray_declarations(node, parent->doc).release());
+  if (is_unwritable(node)) return nullptr;
+  return xmlAddChild(parent, writable_copy(node, parent->doc).release());
 }
 
 void remove_formatting_blanks(xmlNode* element) {

@@ -1,13 +1,18 @@
 #pragma once
-// Copies of source nodes as the output document takes them: never with a processing
-// instruction that would make it fail to parse (another document's declaration).
+// Copies of source nodes as the output document takes them: never with what the recovering
+// parser kept from a broken source that would make the output fail to parse (another
+// document's declaration, a name with a prefix bound to no namespace).
 
 #include "xml/xml_handles.h"
 
 namespace quillory {
 
-// A deep copy of `node` made for `output`, unlinked, without the blank text between its
-// elements; the caller owns it.
+// A deep copy of `node` made for `output`, unlinked, that leaves out what may not be written
+// (see above): `node` itself must be writable. The caller owns it.
+xml::Node writable_copy(const xmlNode* node, xmlDoc* output);
+
+// The same, also without the blank text between its elements, and empty text for a `node`
+// that may not be written.
 xml::Node clean_copy(const xmlNode* node, xmlDoc* output);
 
 // Appends a copy of `node` as the last child of `parent`; a parsed fragment (a document)
