@@ -21,7 +21,8 @@ bool is_blank(const xmlNode* node) {
 //   pasted into it;
 // - an element or attribute whose name keeps a colon without a namespace ("timebase:",
 //   "a:b" with "a" bound nowhere): the parser keeps a name it could not split into a bound
-//   prefix and a local name as written.
+//   prefix and a local name as written;
+// - a repeated attribute.
 bool is_stray_declaration(const xmlNode* node) {
   return node->type == XML_PI_NODE && xmlStrcasecmp(node->name, BAD_CAST "xml") == 0;
 }
@@ -35,16 +36,27 @@ bool is_unwritable(const xmlNode* node) {
          (node->type == XML_ELEMENT_NODE && unbound_name(node->name, node->ns));
 }
 
-void remove_unbound_attributes(xmlNode* element) {
+// The attribute is one the element has before it: the recovering parser keeps a repeated
+// attribute, which every reading of the element ignores, reading the first.
+bool repeated(const xmlAttr* attribute) {
+  for (const xmlAttr* before = attribute->prev; before != nullptr; before = before->prev) {
+    if (before->ns == attribute->ns && xmlStrEqual(before->name, attribute->name)) return true;
+  }
+  return false;
+}
+
+void remove_unwritable_attributes(xmlNode* element) {
   for (xmlAttr* attribute = element->properties; attribute != nullptr;) {
     xmlAttr* next = attribute->next;
-    if (unbound_name(attribute->name, attribute->ns)) xmlRemoveProp(attribute);
+    if (unbound_name(attribute->name, attribute->ns) || repeated(attribute)) {
+      xmlRemoveProp(attribute);
+    }
     attribute = next;
   }
 }
 
 void remove_unwritable(xmlNode* element) {
-  remove_unbound_attributes(element);
+  remove_unwritable_attributes(element);
   for (xmlNode* child = element->children; child != nullptr;) {
     xmlNode* next = child->next;
     if (is_unwritable(child)) {
