@@ -7,10 +7,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+
+#include <libxml/valid.h>
 
 #include "xml/read_xml.h"
 #include "xml/xml_nodes.h"
@@ -142,6 +147,41 @@ std::string media_clip(const std::string& name, const std::string& file_id, int 
 std::string xmeml(const std::string& body) {
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE xmeml>\n<xmeml version=\"4\">\n" +
          body + "\n</xmeml>\n";
+}
+
+namespace {
+
+void collect_problem(void* problems, const char* format, ...) {
+  char text[512];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  *static_cast<std::string*>(problems) += text;
+}
+
+struct DtdDeleter {
+  void operator()(xmlDtd* dtd) const { xmlFreeDtd(dtd); }
+};
+
+}  // namespace
+
+std::string fcpxml_dtd_problems(const std::string& text, const std::filesystem::path& dtd_folder) {
+  const xml::Document doc = parse(text);
+  if (!doc) return "not XML";
+  std::string version = xml::attribute(xmlDocGetRootElement(doc.get()), "version").value_or("");
+  std::replace(version.begin(), version.end(), '.', '_');
+  const std::string dtd_path = (dtd_folder / ("FCPXMLv" + version + ".dtd")).string();
+  const std::unique_ptr<xmlDtd, DtdDeleter> dtd(xmlParseDTD(nullptr, BAD_CAST dtd_path.c_str()));
+  if (!dtd) return "no DTD " + dtd_path;
+  std::string problems;
+  const std::unique_ptr<xmlValidCtxt, decltype(&xmlFreeValidCtxt)> context(xmlNewValidCtxt(),
+                                                                          xmlFreeValidCtxt);
+  context->userData = &problems;
+  context->error = collect_problem;
+  context->warning = collect_problem;
+  if (xmlValidateDtd(context.get(), doc.get(), dtd.get()) != 1 && problems.empty()) problems = "invalid";
+  return problems;
 }
 
 }  // namespace quillory::test

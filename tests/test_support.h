@@ -47,6 +47,10 @@ std::string read_file(const std::filesystem::path& path);
 // Parses XML text strictly; fails the test on any diagnostic.
 xml::Document parse(const std::string& text);
 
+// Why FCPXML `text` is not valid against Apple's DTD of its version in `dtd_folder`
+// (FCPXMLv1_N.dtd), read and checked by libxml2; "" when it is.
+std::string fcpxml_dtd_problems(const std::string& text, const std::filesystem::path& dtd_folder);
+
 // What an XPath gives in `doc`: the text of each match followed by "|", or a count's value.
 std::string texts(const xml::Document& doc, const char* path);
 

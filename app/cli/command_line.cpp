@@ -98,7 +98,8 @@ std::array<std::string, 5> default_choices() {
 }
 
 void add_options(CLI::App& app, Options& options) {
-  app.add_option("SOURCE", options.sources, "the xmeml exports to read")
+  app.add_option("SOURCE", options.sources,
+                 "the exports to read: xmeml files, FCPXML files (.fcpxml) or bundles (.fcpxmld)")
       ->required()
       ->each([&options](const std::string& source) {
         if (options.source.empty()) options.source = source;
@@ -121,7 +122,8 @@ void add_options(CLI::App& app, Options& options) {
         ->capture_default_str()
         ->check(OneOf("choice", line_choices()));
   }
-  app.add_flag("--tcr", options.tcr, "add a Timecode Reader filter to every clip");
+  app.add_flag("--tcr", options.tcr,
+               "add a Timecode Reader filter to every clip (xmeml only: FCPXML has none)");
   app.add_option("--rate", options.rate, "frame rate of the new sequence (default: the first "
                                          "rate of the source's clips)")
       ->check(OneOf("rate", rate_names()))
@@ -129,8 +131,8 @@ void add_options(CLI::App& app, Options& options) {
   auto* output = app.add_option("--output", options.output,
                                 "write the sequence here instead of the Ferncroft folder");
   app.add_option("--output-dir", options.output_dir,
-                 "write each source's titles to DIR/NAME.xml, NAME its file name without the "
-                 "extension (needed with several sources)")
+                 "write each source's titles to DIR/NAME.xml (NAME.fcpxml for an FCPXML source), "
+                 "NAME its file name without the extension (needed with several sources)")
       ->option_text("DIR")
       ->excludes(output);
   app.add_option("--jobs", options.jobs,

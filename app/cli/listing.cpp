@@ -47,7 +47,9 @@ void print_listing(const OpenedSource& opened, std::ostream& out) {
   out << "Rates:\n";
   for (const auto& rate : opened.frame_rates) out << "  " << rate << "\n";
   if (opened.sequences.empty()) return;
-  out << "Sequences (name, rate, length in frames, video tracks, shots):\n";
+  out << (opened.format == SourceFormat::Fcpxml
+              ? "Projects (name, rate, length in frames, lanes, shots):\n"
+              : "Sequences (name, rate, length in frames, video tracks, shots):\n");
   for (const auto& sequence : opened.sequences) {
     out << "  " << sequence.name << ", " << sequence.rate << ", " << sequence.duration << ", "
         << sequence.video_tracks << ", " << sequence.shots << "\n";

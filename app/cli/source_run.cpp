@@ -35,12 +35,14 @@ std::unique_ptr<LineSink> progress_sink(const Options& options, const SourceStre
 // A document without master clips most often holds an edit: say what it holds instead.
 void report_no_clip(const Options& options, const OpenedSource& source, std::ostream& err) {
   if (!source.clips.empty() || options.sequence) return;
-  err << "quillory: " << options.source << " holds no master clip";
+  const bool fcpxml = source.format == SourceFormat::Fcpxml;
+  const char* sequence = fcpxml ? "project" : "sequence";
+  err << "quillory: " << options.source << " holds no " << (fcpxml ? "event clip" : "master clip");
   if (source.sequences.empty()) {
-    err << " and no sequence\n";
+    err << " and no " << sequence << "\n";
     return;
   }
-  err << "; it holds the sequence" << (source.sequences.size() > 1 ? "s" : "");
+  err << "; it holds the " << sequence << (source.sequences.size() > 1 ? "s" : "");
   for (std::size_t i = 0; i < source.sequences.size(); ++i) {
     err << (i == 0 ? " \"" : ", \"") << source.sequences[i].name << '"';
   }
@@ -68,7 +70,7 @@ void show(const Options& options, const Controller& controller, const Form& form
 void write(const Options& options, const Controller& controller, const Form& form,
            const SourceStreams& streams, LineSink& progress) {
   const bool to_standard_output = writes_to_standard_output(options);
-  const auto path = options.output ? options.output : controller.paths().TEMP_XML_FILE;
+  const auto path = options.output ? options.output : controller.default_output();
   AssumptionReport report;
   {
     const auto display = streams.display(progress);
@@ -93,7 +95,13 @@ SourceOutcome run_source(const Options& options, const OutputPaths& paths,
   const auto progress = progress_sink(options, streams);
   Controller controller(paths);
   const Form form = form_from_options(options);
+  bool timecode_reader_refused = false;
   const BatchResult result = run_on_source(options.source, form, controller, *progress, [&] {
+    // FCPXML has no Timecode Reader filter to put on a clip.
+    if (options.tcr && controller.fcpxml()) {
+      timecode_reader_refused = true;
+      return AssumptionReport{};
+    }
     report_no_clip(options, controller.source(), streams.err);
     if (options.list || options.preview) {
       show(options, controller, form, streams);
@@ -102,6 +110,11 @@ SourceOutcome run_source(const Options& options, const OutputPaths& paths,
     }
     return AssumptionReport{};
   });
+  if (timecode_reader_refused) {
+    return failed(ExitCode::Usage, "quillory: --tcr: " + options.source +
+                                       " is an FCPXML document, which has no Timecode Reader "
+                                       "filter; run without --tcr");
+  }
   if (result.written) return {};
   if (const auto& lacking = result.lacking) {
     return failed(ExitCode::Usage, "quillory: --" + lacking->kind + ": " +

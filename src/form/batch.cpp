@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <thread>
@@ -11,18 +12,30 @@
 
 namespace quillory {
 
+namespace {
+
+// FCPXML titles are written as FCPXML; a source is taken for one by its name, before it is read.
+std::string output_extension(const std::string& source) {
+  std::filesystem::path path(source);
+  if (!path.has_filename()) path = path.parent_path();
+  const std::string extension = path.extension().string();
+  return extension == ".fcpxml" || extension == ".fcpxmld" ? ".fcpxml" : ".xml";
+}
+
+}  // namespace
+
 BatchPlan plan_batch(const std::vector<std::string>& sources, const std::string& folder) {
   BatchPlan plan;
   const std::string prefix = folder.empty() || folder.back() == '/' ? folder : folder + "/";
   std::map<std::string, const std::string*> first_with;
   for (const auto& source : sources) {
-    const std::string name = sequence_name_for(source);
-    const auto [met, added] = first_with.emplace(name, &source);
+    const std::string file = sequence_name_for(source) + output_extension(source);
+    const auto [met, added] = first_with.emplace(file, &source);
     if (!added && plan.clash.empty()) {
       plan.clash = "quillory: " + *met->second + " and " + source + " would both write " +
-                   prefix + name + ".xml; rename one, or give them in separate runs";
+                   prefix + file + "; rename one, or give them in separate runs";
     }
-    plan.entries.push_back({source, prefix + name + ".xml"});
+    plan.entries.push_back({source, prefix + file});
   }
   return plan;
 }

@@ -29,7 +29,8 @@ struct BatchPlan {
   std::string clash;
 };
 
-// Each source's titles go to `folder`/NAME.xml, NAME its file name without the extension, so
+// Each source's titles go to `folder`/NAME.xml (NAME.fcpxml for an FCPXML file or bundle),
+// NAME its file name without the extension, so
 // two sources of one NAME (day1/dailies.xml and day2/dailies.xml) would overwrite each other:
 // the plan then says so, before anything is read.
 BatchPlan plan_batch(const std::vector<std::string>& sources, const std::string& folder);

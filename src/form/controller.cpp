@@ -5,6 +5,7 @@
 
 #include "startup/frame_rates.h"
 #include "titles/create_fcp_xml.h"
+#include "titles/fcpxml_writer.h"
 #include "titles/replace_file.h"
 #include "titles/titles_over_sequence.h"
 #include "titles/sequence_templates.h"
@@ -33,7 +34,13 @@ OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form&
   }
   document_path_ = path;
   source_ = std::move(opened);
-  frame_size_ = sequence_video_format(source_.sequence, source_.clips).frame;
+  if (fcpxml()) {
+    const FcpxmlFrame frame = fcpxml_project_frame(source_.clips, source_.document.get(),
+                                                   title_settings(form).rate);
+    frame_size_ = {frame.width, frame.height};
+  } else {
+    frame_size_ = sequence_video_format(source_.sequence, source_.clips).frame;
+  }
   return outcome;
 }
 
@@ -67,7 +74,9 @@ AssumptionReport Controller::create(const Form& form, const Destination& to, Lin
   require_creatable();
   check_form_text(form);
   AssumptionReport report =
-      source_.sequence != nullptr
+      fcpxml() ? create_fcpxml(source_.templates, source_.clips, title_settings(form),
+                               source_.document.get(), to, out)
+      : source_.sequence != nullptr
           ? create_titles_over_sequence(source_.templates, source_.clips, source_.sequence,
                                         title_settings(form), to, out)
           : quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), to, out,
@@ -79,9 +88,13 @@ AssumptionReport Controller::create(const Form& form, const Destination& to, Lin
 AssumptionReport Controller::create_fcp_xml(const Form& form, LineSink& out,
                                             const std::optional<std::string>& output_path) const {
   require_creatable();
-  const auto& path = output_path ? output_path : paths_.TEMP_XML_FILE;
+  const auto& path = output_path ? output_path : default_output();
   if (path) refuse_source(*path);
   return create(form, path, out);
+}
+
+const std::optional<std::string>& Controller::default_output() const {
+  return fcpxml() ? paths_.TEMP_FCPXML_FILE : paths_.TEMP_XML_FILE;
 }
 
 void Controller::refuse_source(const std::string& path) const {
@@ -94,7 +107,7 @@ void Controller::refuse_source(const std::string& path) const {
 
 void Controller::refuse_copy_target(const std::string& path) const {
   refuse_source(path);
-  if (paths_.TEMP_XML_FILE && same_file(path, *paths_.TEMP_XML_FILE)) {
+  if (default_output() && same_file(path, *default_output())) {
     fail(path + " is the file the titles were written to, the one copied; nothing was written: "
          "choose another place");
   }
@@ -117,7 +130,8 @@ std::string Controller::copy_path(const std::string& folder, const Form& form) c
   std::replace(name.begin(), name.end(), '/', '-');  // one file name, not a path
   for (int number = 1;; ++number) {
     const std::string numbered = number == 1 ? name : name + " " + std::to_string(number);
-    const std::filesystem::path path = std::filesystem::path(folder) / (numbered + ".xml");
+    const std::filesystem::path path =
+        std::filesystem::path(folder) / (numbered + (fcpxml() ? ".fcpxml" : ".xml"));
     if (!name_taken(path)) return path.string();
   }
 }
@@ -173,7 +187,8 @@ std::optional<std::string> Controller::template_used(
 
 TitleStyle Controller::title_style(const Form& form) const {
   if (source_.templates.empty()) return read_title_style(built_in_template());
-  return read_title_style(choose_template(source_.templates, template_used(form.templatePopup)));
+  return read_title_style(choose_template(source_.templates, template_used(form.templatePopup)),
+                          frame_size_);
 }
 
 AssumptionReport Controller::opening_report() const {

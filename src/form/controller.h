@@ -90,6 +90,12 @@ class Controller {
   // `form` gives plus " titles", numbered from 2 when taken ("dailies titles 2.xml").
   std::string copy_path(const std::string& folder, const Form& form) const;
 
+  // Where a run writes unless told: the Ferncroft folder's file of the open document's format.
+  const std::optional<std::string>& default_output() const;
+
+  // The open document is FCPXML.
+  bool fcpxml() const { return source_.format == SourceFormat::Fcpxml; }
+
   // The open document's path; empty before one opens.
   const std::string& document_path() const { return document_path_; }
 

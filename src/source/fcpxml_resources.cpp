@@ -28,6 +28,7 @@ std::string fcpxml_document_path(const std::string& path) {
 FcpxmlResources::FcpxmlResources(const xmlNode* root) {
   const xmlNode* resources = xml::first_child_element(root, "resources");
   if (resources == nullptr) return;
+  resources_ = resources;
   for (const xmlNode* child = resources->children; child != nullptr; child = child->next) {
     if (child->type != XML_ELEMENT_NODE) continue;
     if (std::optional<std::string> id = xml::attribute(child, "id")) by_id_.try_emplace(*id, child);
@@ -42,6 +43,14 @@ const xmlNode* FcpxmlResources::find(std::string_view id) const {
 const xmlNode* FcpxmlResources::find(std::string_view id, const char* element) const {
   const xmlNode* resource = find(id);
   return xml::is_element(resource, element) ? resource : nullptr;
+}
+
+const xmlNode* FcpxmlResources::find_effect_by_uid(std::string_view uid) const {
+  if (resources_ == nullptr) return nullptr;
+  for (const xmlNode* effect : xml::elements_at(resources_, {"effect"})) {
+    if (xml::attribute(effect, "uid") == uid) return effect;
+  }
+  return nullptr;
 }
 
 std::optional<RationalTime> FcpxmlResources::frame_duration(std::string_view format_id) const {
@@ -60,7 +69,8 @@ std::optional<RateRecord> find_frame_rate_by_duration(const RationalTime& frame_
   return std::nullopt;
 }
 
-std::string asset_media_file_name(const xmlNode* asset) {
+std::string asset_media_url(const xmlNode* asset) {
+  if (asset == nullptr) return {};
   const xmlNode* chosen = nullptr;
   for (xmlNode* rep : xml::elements_at(asset, {"media-rep"})) {
     if (chosen == nullptr) chosen = rep;
@@ -69,8 +79,11 @@ std::string asset_media_file_name(const xmlNode* asset) {
       break;
     }
   }
-  const std::string src =
-      xml::attribute(chosen != nullptr ? chosen : asset, "src").value_or("");
+  return xml::attribute(chosen != nullptr ? chosen : asset, "src").value_or("");
+}
+
+std::string asset_media_file_name(const xmlNode* asset) {
+  const std::string src = asset_media_url(asset);
   const std::size_t last = src.find_last_of('/');
   return xml::uri_unescaped(last == std::string::npos ? src : src.substr(last + 1));
 }

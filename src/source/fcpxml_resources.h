@@ -35,10 +35,14 @@ class FcpxmlResources {
   // The same, only where it is the element named (<asset>, <format>, <effect>, <media>).
   const xmlNode* find(std::string_view id, const char* element) const;
 
+  // The first <effect> whose `uid` is this; null for none.
+  const xmlNode* find_effect_by_uid(std::string_view uid) const;
+
   // The `frameDuration` of the format this id names; none without one or when unreadable.
   std::optional<RationalTime> frame_duration(std::string_view format_id) const;
 
  private:
+  const xmlNode* resources_ = nullptr;
   std::unordered_map<std::string, const xmlNode*> by_id_;
 };
 
@@ -50,6 +54,8 @@ std::optional<RateRecord> find_frame_rate_by_duration(const RationalTime& frame_
 // first <media-rep> of kind "original-media" (else its first <media-rep>), or of its own
 // `src` (version 1.8); "" when it has none.
 std::string asset_media_file_name(const xmlNode* asset);
+// The URL that name comes from, as the document writes it ("file:///..."); "" for none.
+std::string asset_media_url(const xmlNode* asset);
 
 // Whether an asset holds a picture: its `hasVideo` is "1".
 bool asset_has_video(const xmlNode* asset);

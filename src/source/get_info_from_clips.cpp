@@ -5,6 +5,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "source/fcpxml_reader.h"
+#include "source/fcpxml_resources.h"
 #include "source/incomplete_input.h"
 #include "source/catalogue.h"
 #include "source/media_file_record.h"
@@ -277,7 +279,9 @@ std::string base_name(const std::string& path) {
 }
 
 std::string sequence_name_for(const std::string& path) {
-  return std::filesystem::path(path).stem().string();
+  std::filesystem::path file(path);
+  if (!file.has_filename()) file = file.parent_path();  // a bundle named with its last slash
+  return file.stem().string();
 }
 
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
@@ -286,7 +290,8 @@ OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& b
   out.line("opening...");
   LoadedDocument loaded;
   try {
-    loaded = parse_xml_file(path, out);
+    // An FCPXML bundle is a folder that keeps its document inside.
+    loaded = parse_xml_file(fcpxml_document_path(path), out);
   } catch (const std::exception& error) {
     OpenedSource opened;
     opened.error = failure_message(error, path);
@@ -298,6 +303,9 @@ OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& b
 OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& built_in,
                                 bool tolerant, LineSink& out,
                                 const std::optional<std::string>& sequence) {
+  if (loaded.root_name == "fcpxml") {
+    return read_fcpxml_source(std::move(loaded), tolerant, out, sequence);
+  }
   OpenedSource opened;
   if (loaded.root_name != "xmeml" && !read_past_node_before_root(loaded, tolerant, opened)) {
     opened.status = OpenStatus::NotXmeml;

@@ -22,10 +22,15 @@ enum class OpenStatus {
   Broken,      // an xmeml document in which a clip or a file definition lacks something
 };
 
+// The format of the document an open read.
+enum class SourceFormat { Xmeml, Fcpxml };
+
 struct OpenedSource {
   OpenStatus status = OpenStatus::Unreadable;
+  SourceFormat format = SourceFormat::Xmeml;
   // Unreadable and Broken: what went wrong and where (file, element, line), for the user;
-  // NotXmeml: what stands before its root element <xmeml>, when that is all that is wrong.
+  // NotXmeml: what stands before its root element <xmeml>, when that is all that is wrong, or
+  // the FCPXML version that is not read.
   std::string error;
   // Broken and NotXmeml: the error is one that tolerant reading takes with an assumption.
   bool incomplete = false;

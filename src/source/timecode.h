@@ -11,6 +11,8 @@ namespace quillory {
 struct TimecodeFormat {
   int timebase = 30;       // nominal frames per second
   bool drop_frame = false;  // only where the timebase is 30 or 60
+  // xmeml counts the hours of a day; FCPXML source times run on past 24 hours.
+  bool wrap_at_24_hours = true;
 };
 
 // The frame count of `text` ("01:00:00:00", "00:01:00;02"); none when it is not timecode.

@@ -32,6 +32,7 @@ OutputPaths start_up(const std::vector<std::string>& folders) {
   }
   paths.APP_SUPPORT_SUBFOLDER = folder;
   paths.TEMP_XML_FILE = folder + "/Quillory.xml";
+  paths.TEMP_FCPXML_FILE = folder + "/Quillory.fcpxml";
   return paths;
 }
 

@@ -13,6 +13,8 @@ struct OutputPaths {
   // Both absent when no application-data folder is known (HOME and XDG_DATA_HOME unset).
   std::optional<std::string> APP_SUPPORT_SUBFOLDER;
   std::optional<std::string> TEMP_XML_FILE;
+  // Beside it, where titles over an FCPXML document go.
+  std::optional<std::string> TEMP_FCPXML_FILE;
 };
 
 // Runs start-up with the given folder list (the first entry is used). Creates the folder

@@ -1,8 +1,12 @@
 #include "titles/title_style.h"
 
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
+#include "source/fcpxml_reader.h"
+#include "titles/fcpxml_title.h"
 #include "xml/xml_nodes.h"
 
 namespace quillory {
@@ -51,9 +55,59 @@ const xmlNode* generator_of(const TitleTemplate& title) {
   return nullptr;
 }
 
+// FCPXML colours are four fractions, "0.8 0.8 0.8 1".
+Colour fraction_colour(const std::optional<std::string>& text, Colour otherwise) {
+  double red = 0, green = 0, blue = 0, alpha = 1;
+  if (!text || std::sscanf(text->c_str(), "%lf %lf %lf %lf", &red, &green, &blue, &alpha) < 3) {
+    return otherwise;
+  }
+  const auto byte = [](double fraction) { return static_cast<int>(std::lround(fraction * 255)); };
+  return {byte(red), byte(green), byte(blue), byte(alpha)};
+}
+
+// An FCPXML <title>: its first text style and its Position, the offset of the text from the
+// frame's centre in pixels, upwards.
+TitleStyle read_fcpxml_title_style(const xmlNode* title, FrameSize frame) {
+  TitleStyle style;
+  const xmlNode* text_style = xml::first_element_at(title, {"text-style-def", "text-style"});
+  if (const auto font = xml::attribute(text_style, "font")) style.font = *font;
+  if (const auto size = xml::attribute(text_style, "fontSize")) style.size = std::strtod(size->c_str(), nullptr);
+  const std::string face = xml::attribute(text_style, "fontFace").value_or("");
+  style.bold = xml::attribute(text_style, "bold") == "1" || face.find("Bold") != std::string::npos;
+  style.italic = xml::attribute(text_style, "italic") == "1" || face.find("Italic") != std::string::npos;
+  const std::string alignment = xml::attribute(text_style, "alignment").value_or("center");
+  style.alignment = alignment == "left"    ? TextAlignment::Left
+                    : alignment == "right" ? TextAlignment::Right
+                                           : TextAlignment::Centre;
+  style.colour = fraction_colour(xml::attribute(text_style, "fontColor"), {255, 255, 255, 255});
+  for (const xmlNode* param : xml::elements_at(title, {"param"})) {
+    if (xml::attribute(param, "name") != "Position") continue;
+    double x = 0, y = 0;
+    if (std::sscanf(xml::attribute(param, "value").value_or("").c_str(), "%lf %lf", &x, &y) == 2) {
+      style.origin_x = x / frame.width;
+      style.origin_y = -y / frame.height;
+    }
+  }
+  return style;
+}
+
+// The built-in FCPXML template draws as the Basic Title the writer makes for it.
+TitleStyle read_basic_title_style(FrameSize frame) {
+  const xml::Document doc(xmlNewDoc(BAD_CAST "1.0"));
+  FcpxmlIds ids;
+  const FcpxmlTitleMaker maker(fcpxml_default_template(), "r1", frame.height, ids);
+  const RationalTime none(0, TimeScale(1, 1));
+  const xml::Node title = maker.make(doc.get(), "", {none, none, 1});
+  return read_fcpxml_title_style(title.get(), frame);
+}
+
 }  // namespace
 
-TitleStyle read_title_style(const TitleTemplate& title) {
+TitleStyle read_title_style(const TitleTemplate& title, FrameSize frame) {
+  if (title.type == kFcpxmlTitleType) {
+    return title.xml != nullptr ? read_fcpxml_title_style(title.xml, frame)
+                                : read_basic_title_style(frame);
+  }
   TitleStyle style;
   const xmlNode* generator = generator_of(title);
   if (generator == nullptr) return style;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "source/clip_record.h"
+#include "titles/video_format.h"
 
 namespace quillory {
 
@@ -32,6 +33,7 @@ struct TitleStyle {
 };
 
 // The style `title` gives; a parameter it lacks, or cannot be read, keeps the default above.
-TitleStyle read_title_style(const TitleTemplate& title);
+// An FCPXML title's sizes and place are in pixels of the `frame` it lies over.
+TitleStyle read_title_style(const TitleTemplate& title, FrameSize frame = {});
 
 }  // namespace quillory

@@ -1,10 +1,13 @@
 // End-to-end cases: each folder of tests/cases holds a source document and what running the
 // quillory binary on it must give.
 //
-//   input.xml          the source document
+//   input.xml          the source document (input.fcpxml or the bundle input.fcpxmld for an
+//                      FCPXML one)
 //   args               optional: one argument per line, given before the source path
 //   expected.xml       the written document, compared as an XML tree (blank text ignored); a
-//                      case without one writes nothing (a listing or a preview)
+//                      case without one writes nothing (a listing or a preview); expected.fcpxml
+//                      for an FCPXML source, which must also be valid against Apple's DTD of
+//                      its version (where ../shared/fcpxml/dtd is there to check it)
 //   expected-stdout    optional: standard output, byte for byte
 //   expected-exit      optional: the exit status (default 0)
 //   expected-stderr    optional: lines of text that standard error must contain, each somewhere
@@ -47,6 +50,20 @@ std::vector<std::string> case_names() {
   return names;
 }
 
+// The case's source, and the names its expected and written documents have.
+struct CaseFiles {
+  std::string input = "input.xml";
+  std::string expected = "expected.xml";
+  std::string output = "Quillory.xml";
+};
+
+CaseFiles case_files(const fs::path& dir) {
+  for (const char* input : {"input.fcpxml", "input.fcpxmld"}) {
+    if (fs::exists(dir / input)) return {input, "expected.fcpxml", "Quillory.fcpxml"};
+  }
+  return {};
+}
+
 // One entry per line; none when the file does not exist.
 std::vector<std::string> read_lines(const fs::path& file) {
   std::vector<std::string> lines;
@@ -60,7 +77,9 @@ class Case : public ::testing::TestWithParam<std::string> {};
 // Runs the binary on the case's input with its arguments (less any in `dropped`, more any in
 // `added`), in a home of its own with the previous output, when the case has one, in place.
 struct CaseRun {
-  CaseRun(const fs::path& dir, const std::string& dropped = "", const std::string& added = "") {
+  CaseRun(const fs::path& dir, const std::string& dropped = "", const std::string& added = "")
+      : files(case_files(dir)),
+        output((home.path() / ".local/share/Ferncroft" / files.output).string()) {
     fs::create_directories(home.path() / ".local/share/Ferncroft");
     if (fs::exists(dir / "previous-output")) fs::copy_file(dir / "previous-output", output);
     std::vector<std::string> argv{QUILLORY_BINARY};
@@ -68,7 +87,7 @@ struct CaseRun {
     for (auto& arg : read_lines(dir / "args")) {
       if (dropped.empty() || arg != dropped) argv.push_back(arg);
     }
-    argv.push_back((dir / "input.xml").string());
+    argv.push_back((dir / files.input).string());
     result = test::run_command(argv, {"HOME=" + home.path().string(), "XDG_DATA_HOME="});
   }
 
@@ -82,7 +101,8 @@ struct CaseRun {
   }
 
   test::TempDir home;
-  const std::string output = (home.path() / ".local/share/Ferncroft/Quillory.xml").string();
+  const CaseFiles files;
+  const std::string output;
   test::CommandResult result;
 };
 
@@ -101,9 +121,10 @@ TEST_P(Case, RunsAsRecorded) {
       fs::exists(dir / "expected-exit") ? std::stoi(test::read_file(dir / "expected-exit")) : 0;
   ASSERT_EQ(result.exit_code, expected_exit) << result.err;
   expect_lines(dir / "expected-stderr", result.err);
-  const bool writes = fs::exists(dir / "expected.xml");
+  const std::string expected = run.files.expected;
+  const bool writes = fs::exists(dir / expected);
   if (update && expected_exit == 0) {
-    if (writes) test::write_file(dir / "expected.xml", test::read_file(output));
+    if (writes) test::write_file(dir / expected, test::read_file(output));
     test::write_file(dir / "expected-stdout", result.out);
   }
   if (fs::exists(dir / "expected-stdout")) {
@@ -126,8 +147,10 @@ TEST_P(Case, RunsAsRecorded) {
   }
   if (expected_exit != 0 || !writes) return run.expect_nothing_written(dir);
   EXPECT_NE(result.err.find("quillory: wrote " + output), std::string::npos) << result.err;
-  EXPECT_EQ(test::tree_difference(test::read_file(dir / "expected.xml"), test::read_file(output)),
-            "");
+  EXPECT_EQ(test::tree_difference(test::read_file(dir / expected), test::read_file(output)), "");
+  if (expected == "expected.fcpxml" && fs::is_directory(QUILLORY_FCPXML_DTD_DIR)) {
+    EXPECT_EQ(test::fcpxml_dtd_problems(test::read_file(output), QUILLORY_FCPXML_DTD_DIR), "");
+  }
   EXPECT_EQ(fs::directory_iterator(run.home.path() / ".local/share/Ferncroft")->path(), output)
       << "no temporary file may be left beside the output";
   // Import-safe output reads back as written, but where the case expects a warning that an

@@ -21,7 +21,7 @@ class ControllerTest : public ::testing::Test {
   Form form;
   RecordingSink out;
   std::string output = dir.file("Quillory.xml");
-  Controller controller{OutputPaths{dir.path().string(), output}};
+  Controller controller{OutputPaths{dir.path().string(), output, {}}};
 };
 
 // What may be created from which open: only a document read whole gives titles; one that
