@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <set>
-#include <unordered_map>
 #include <utility>
 
+#include "source/fcpxml_clip_facts.h"
 #include "source/fcpxml_time.h"
 #include "xml/xml_nodes.h"
 
@@ -13,10 +14,6 @@ namespace quillory {
 namespace {
 
 const RationalTime k_zero(0, TimeScale(1, 1));
-
-bool named(const xmlNode* element, std::initializer_list<const char*> names) {
-  return std::ranges::any_of(names, [element](const char* name) { return xml::is_element(element, name); });
-}
 
 long long lane_of(const xmlNode* element) {
   const std::optional<std::string> text = xml::attribute(element, "lane");
@@ -34,25 +31,11 @@ RationalTime time_of(const xmlNode* element, const char* name) {
   return fcpxml_time_attribute(element, name);
 }
 
-const xmlNode* first_element_child(const xmlNode* element) {
-  for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
-    if (child->type == XML_ELEMENT_NODE) return child;
-  }
-  return nullptr;
-}
-
-// An audition plays its first child, its active pick; any other item plays itself.
-const xmlNode* active(const xmlNode* item) {
-  if (!xml::is_element(item, "audition")) return item;
-  const xmlNode* pick = first_element_child(item);
-  return pick != nullptr ? pick : item;
-}
-
 // Where an item begins in its parent's local time: an audition's pick stands in the audition's
 // place, which the audition states unless only its pick does.
 RationalTime offset_of(const xmlNode* item) {
   if (xml::is_element(item, "audition") && !xml::attribute(item, "offset")) {
-    return time_of(active(item), "offset");
+    return time_of(fcpxml_audition_pick(item), "offset");
   }
   return time_of(item, "offset");
 }
@@ -64,14 +47,8 @@ RationalTime placed(const RationalTime& parent_place, const RationalTime& parent
   return parent_place + (offset - parent_start);
 }
 
-const xmlNode* referenced(const xmlNode* item, const FcpxmlResources& resources,
-                          const char* element) {
-  const std::optional<std::string> ref = xml::attribute(item, "ref");
-  return ref ? resources.find(*ref, element) : nullptr;
-}
-
-// Whole frames of `frame_duration` in `time`, counted up to the next whole one: the first
-// frame that starts at or after `time`.
+// Whole frames of `frame_duration` in `time`, counted up: the first frame that starts at or
+// after `time`.
 long long frames_up(const RationalTime& time, const RationalTime& frame_duration) {
   // time = v·s/u seconds, a frame fv·fs/fu seconds: v·s·fu / (u·fv·fs) frames.
   const WideCount numerator = static_cast<WideCount>(time.value()) * time.scale().seconds() *
@@ -83,210 +60,68 @@ long long frames_up(const RationalTime& time, const RationalTime& frame_duration
   return static_cast<long long>(quotient);
 }
 
-TimeScale frames_per_second(const RationalTime& frame_duration) {
-  return {frame_duration.scale().units(), frame_duration.value() * frame_duration.scale().seconds()};
+bool is_anchored_item(const xmlNode* element) {
+  for (const char* name : {"audio", "video", "clip", "title", "caption", "mc-clip", "ref-clip",
+                           "sync-clip", "asset-clip", "audition", "spine", "live-drawing"}) {
+    if (xml::is_element(element, name)) return true;
+  }
+  return false;
 }
 
-// Finds what a clip item shows. A container's media item is fixed (its first contained item
-// with media showing a picture, else its first with media), so it is looked up once per
-// container; a multicam angle is searched by time, its items sorted once per angle.
-class MediaFinder {
- public:
-  explicit MediaFinder(const FcpxmlResources& resources) : resources_(resources) {}
+// Visits every item of the timeline below `spine` (lying at `place` on `lane`) with where it
+// lies: an anchored item at its own lane, a storyline's items at the storyline's, an audition
+// as its pick. `on` tells whether it and all that holds it are enabled.
+using Visit = std::function<void(const xmlNode* item, const RationalTime& place, long long lane,
+                                 bool on)>;
 
-  std::optional<MediaPoint> at(const xmlNode* item, const RationalTime& local_time) {
-    item = active(item);
-    if (own_media(item)) return MediaPoint{item, local_time};
-    if (xml::is_element(item, "mc-clip")) {
-      const Angle* angle = video_angle(item);
-      if (angle == nullptr) return std::nullopt;
-      const auto after = std::ranges::upper_bound(angle->items, local_time, {}, &AngleItem::offset);
-      if (after == angle->items.begin()) return std::nullopt;
-      const AngleItem& covering = *(after - 1);
-      if (!(local_time < covering.offset + time_of(active(covering.item), "duration"))) {
-        return std::nullopt;
-      }
-      return at(covering.item, carried(covering.item, covering.offset, local_time));
+void walk_item(const xmlNode* item, const RationalTime& place, long long lane, bool on,
+               const Visit& visit);
+
+void walk_storyline(const xmlNode* spine, const RationalTime& place, long long lane, bool on,
+                    const Visit& visit) {
+  const RationalTime start = time_of(spine, "start");
+  for (const xmlNode* child = spine->children; child != nullptr; child = child->next) {
+    if (child->type != XML_ELEMENT_NODE || xml::is_element(child, "transition")) continue;
+    walk_item(child, placed(place, start, offset_of(child)), lane, on, visit);
+  }
+}
+
+void walk_item(const xmlNode* item, const RationalTime& place, long long lane, bool on,
+               const Visit& visit) {
+  on = on && enabled(item);
+  item = fcpxml_audition_pick(item);
+  on = on && enabled(item);
+  visit(item, place, lane, on);
+  const RationalTime start = time_of(item, "start");
+  for (const xmlNode* child = item->children; child != nullptr; child = child->next) {
+    if (!is_anchored_item(child) || lane_of(child) == 0) continue;
+    const RationalTime child_place = placed(place, start, offset_of(child));
+    if (xml::is_element(child, "spine")) {
+      walk_storyline(child, child_place, lane_of(child), on && enabled(child), visit);
+    } else {
+      walk_item(child, child_place, lane_of(child), on, visit);
     }
-    if (named(item, {"clip", "sync-clip"})) {
-      const Contained& contained = contents(item);
-      if (contained.item == nullptr) return std::nullopt;
-      RationalTime time = local_time;
-      if (contained.spine != nullptr) time = carried(contained.spine, time_of(contained.spine, "offset"), time);
-      return at(contained.item, carried(contained.item, offset_of(contained.item), time));
-    }
-    return std::nullopt;  // a compound clip, or no clip item at all
   }
+}
 
-  // Whether the item shows a picture: its media has video (a compound clip always does), and
-  // it is not set to play its sound only.
-  bool shows_picture(const xmlNode* item) {
-    item = active(item);
-    if (xml::attribute(item, "srcEnable") == "audio") return false;
-    if (xml::is_element(item, "ref-clip")) return true;
-    if (own_media(item)) return asset_has_video(referenced(item, resources_, "asset"));
-    if (xml::is_element(item, "mc-clip")) return video_angle(item) != nullptr;
-    if (named(item, {"clip", "sync-clip"})) return contents(item).shows_picture;
-    return false;
-  }
+void walk_sequence(const xmlNode* sequence, const Visit& visit) {
+  const xmlNode* spine = xml::first_child_element(sequence, "spine");
+  if (spine != nullptr) walk_storyline(spine, k_zero, 0, true, visit);
+}
 
-  bool has_media(const xmlNode* item) {
-    item = active(item);
-    if (own_media(item)) return true;
-    if (xml::is_element(item, "mc-clip")) return video_angle(item) != nullptr;
-    if (named(item, {"clip", "sync-clip"})) return contents(item).item != nullptr;
-    return false;
-  }
-
-  bool own_media(const xmlNode* item) const {
-    return named(item, {"asset-clip", "video"}) && referenced(item, resources_, "asset") != nullptr;
-  }
-
- private:
-  struct AngleItem {
-    RationalTime offset;
-    const xmlNode* item;
-  };
-  struct Angle {
-    std::vector<AngleItem> items;  // by offset
-  };
-  struct Contained {
-    const xmlNode* item = nullptr;   // the contained item the container shows
-    const xmlNode* spine = nullptr;  // the storyline it lies in inside the container, if any
-    bool shows_picture = false;
-  };
-
-  // A time of the parent's local timeline carried into the child's, which begins at `offset`.
-  static RationalTime carried(const xmlNode* child, const RationalTime& offset,
-                              const RationalTime& parent_time) {
-    return time_of(active(child), "start") + (parent_time - offset);
-  }
-
-  const Contained& contents(const xmlNode* container) {
-    if (const auto found = contained_.find(container); found != contained_.end()) return found->second;
-    Contained chosen;
-    Contained first;
-    const auto consider = [&](const xmlNode* child, const xmlNode* spine) {
-      if (chosen.item != nullptr || lane_of(child) != 0 || !has_media(child)) return;
-      const Contained candidate{child, spine, shows_picture(child)};
-      if (candidate.shows_picture) chosen = candidate;
-      if (first.item == nullptr) first = candidate;
-    };
-    for (const xmlNode* child = container->children; child != nullptr; child = child->next) {
-      if (xml::is_element(child, "spine") && lane_of(child) == 0) {
-        for (const xmlNode* inner = child->children; inner != nullptr; inner = inner->next) {
-          if (inner->type == XML_ELEMENT_NODE) consider(inner, child);
-        }
-      } else if (child->type == XML_ELEMENT_NODE) {
-        consider(child, nullptr);
-      }
-    }
-    return contained_.emplace(container, chosen.item != nullptr ? chosen : first).first->second;
-  }
-
-  // The angle of the multicam clip's first source that plays video.
-  const Angle* video_angle(const xmlNode* mc_clip) {
-    std::string angle_id;
-    const xmlNode* first_angle_source = nullptr;
-    for (const xmlNode* source : xml::elements_at(mc_clip, {"mc-source"})) {
-      const std::string enabled_part = xml::attribute(source, "srcEnable").value_or("all");
-      if (enabled_part == "all" || enabled_part == "video") {
-        first_angle_source = source;
-        angle_id = xml::attribute(source, "angleID").value_or("");
-        break;
-      }
-    }
-    if (first_angle_source == nullptr) return nullptr;
-    const xmlNode* multicam =
-        xml::first_child_element(referenced(mc_clip, resources_, "media"), "multicam");
-    for (const xmlNode* angle : xml::elements_at(multicam, {"mc-angle"})) {
-      if (xml::attribute(angle, "angleID") == angle_id) return &indexed(angle);
-    }
-    return nullptr;
-  }
-
-  const Angle& indexed(const xmlNode* angle) {
-    if (const auto found = angles_.find(angle); found != angles_.end()) return found->second;
-    Angle index;
-    for (const xmlNode* child = angle->children; child != nullptr; child = child->next) {
-      if (child->type != XML_ELEMENT_NODE || xml::is_element(child, "transition")) continue;
-      index.items.push_back({offset_of(child), child});
-    }
-    std::ranges::stable_sort(index.items, {}, &AngleItem::offset);
-    return angles_.emplace(angle, std::move(index)).first->second;
-  }
-
-  const FcpxmlResources& resources_;
-  std::unordered_map<const xmlNode*, Contained> contained_;
-  std::unordered_map<const xmlNode*, Angle> angles_;
-};
-
-// One item of the flattened timeline: where its local start lies on the sequence's timeline.
-struct Placed {
-  const xmlNode* item = nullptr;  // an audition's pick
-  RationalTime place;
+// A clip item that may be the picture seen, and the frames it covers.
+struct Candidate {
+  const xmlNode* item = nullptr;
+  RationalTime place;  // where its local start lies on the sequence's timeline
   long long lane = 0;
   std::size_t order = 0;  // document order
-  long long first = 0, end = 0;  // frames from tcStart
+  long long first = 0, end = 0;
 };
 
-bool is_anchored_item(const xmlNode* element) {
-  return named(element, {"audio", "video", "clip", "title", "caption", "mc-clip", "ref-clip",
-                         "sync-clip", "asset-clip", "audition", "spine", "live-drawing"});
-}
-
-// Walks the sequence's timeline, collecting the clip items that can be the picture seen and
-// the lanes that items stand on.
-class Flattener {
- public:
-  Flattener(const FcpxmlResources& resources, MediaFinder& media)
-      : resources_(resources), media_(media) {}
-
-  void storyline(const xmlNode* spine, const RationalTime& place, long long lane, bool on) {
-    const RationalTime start = time_of(spine, "start");
-    for (const xmlNode* child = spine->children; child != nullptr; child = child->next) {
-      if (child->type != XML_ELEMENT_NODE || xml::is_element(child, "transition")) continue;
-      item(child, placed(place, start, offset_of(child)), lane, on);
-    }
-  }
-
-  // `element` lies at `place` (audition or not), on `lane`; `on` tells whether all that
-  // contains it is enabled.
-  void item(const xmlNode* element, const RationalTime& place, long long lane, bool on) {
-    on = on && enabled(element);
-    element = active(element);
-    on = on && enabled(element);
-    lanes.insert(lane);
-    const std::size_t order = next_order_++;
-    if (on && is_fcpxml_clip_item(element, resources_) && media_.shows_picture(element)) {
-      seen.push_back({element, place, lane, order, 0, 0});
-    }
-    const RationalTime start = time_of(element, "start");
-    for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
-      if (!is_anchored_item(child) || lane_of(child) == 0) continue;
-      const RationalTime child_place = placed(place, start, offset_of(child));
-      if (xml::is_element(child, "spine")) {
-        lanes.insert(lane_of(child));
-        storyline(child, child_place, lane_of(child), on && enabled(child));
-      } else {
-        item(child, child_place, lane_of(child), on);
-      }
-    }
-  }
-
-  std::vector<Placed> seen;
-  std::set<long long> lanes;
-
- private:
-  const FcpxmlResources& resources_;
-  MediaFinder& media_;
-  std::size_t next_order_ = 0;
-};
-
-// Sweeps the items' bounds in frame order, keeping the items under way ordered by lane, then
+// Sweeps the candidates' bounds in frame order, keeping those under way ordered by lane, then
 // document order: the topmost is the picture seen until the next bound.
 template <typename Shot>
-void sweep(const std::vector<Placed>& items, Shot shot) {
+void sweep(const std::vector<Candidate>& items, Shot shot) {
   struct Event {
     long long frame;
     bool starts;
@@ -324,18 +159,20 @@ void sweep(const std::vector<Placed>& items, Shot shot) {
   }
 }
 
-// The primary storyline's items (transitions aside), by place, for anchoring titles.
+// The primary storyline's items (transitions aside) by place, for anchoring titles.
 struct Anchor {
   RationalTime place;
   const xmlNode* item;
 };
 
-std::vector<Anchor> primary_items(const xmlNode* spine) {
+std::vector<Anchor> primary_items(const xmlNode* sequence) {
   std::vector<Anchor> anchors;
+  const xmlNode* spine = xml::first_child_element(sequence, "spine");
+  if (spine == nullptr) return anchors;
   const RationalTime start = time_of(spine, "start");
   for (const xmlNode* child = spine->children; child != nullptr; child = child->next) {
     if (child->type != XML_ELEMENT_NODE || xml::is_element(child, "transition")) continue;
-    anchors.push_back({placed(k_zero, start, offset_of(child)), active(child)});
+    anchors.push_back({placed(k_zero, start, offset_of(child)), fcpxml_audition_pick(child)});
   }
   std::ranges::stable_sort(anchors, {}, &Anchor::place);
   return anchors;
@@ -348,90 +185,35 @@ const Anchor* anchor_at(const std::vector<Anchor>& anchors, const RationalTime& 
   return after == anchors.begin() ? &anchors.front() : &*(after - 1);
 }
 
-long long highest_lane(const xmlNode* sequence) {
-  long long highest = 0;
-  xml::walk_elements(sequence, [&highest](xmlNode* element) {
-    highest = std::max(highest, lane_of(element));
-  });
-  return highest;
-}
-
-struct Timeline {
-  std::vector<Placed> seen;
-  std::set<long long> lanes;
-};
-
-Timeline flatten(const FcpxmlProject& project, const FcpxmlResources& resources,
-                 MediaFinder& media) {
-  Flattener flattener(resources, media);
-  const xmlNode* spine = xml::first_child_element(project.sequence, "spine");
-  if (spine != nullptr) flattener.storyline(spine, k_zero, 0, true);
-  for (Placed& item : flattener.seen) {
-    const RationalTime duration = time_of(item.item, "duration");
-    item.first = frames_up(item.place - project.tc_start, *project.frame_duration);
-    item.end = frames_up(item.place + duration - project.tc_start, *project.frame_duration);
-  }
-  return {std::move(flattener.seen), std::move(flattener.lanes)};
-}
-
 }  // namespace
 
-bool is_fcpxml_clip_item(const xmlNode* element, const FcpxmlResources& resources) {
-  if (named(element, {"asset-clip", "clip", "sync-clip", "mc-clip", "ref-clip", "audition"})) {
-    return true;
-  }
-  return xml::is_element(element, "video") && referenced(element, resources, "asset") != nullptr;
-}
-
-std::optional<MediaPoint> media_point(const xmlNode* clip_item, const RationalTime& local_time,
-                                      const FcpxmlResources& resources) {
-  MediaFinder finder(resources);
-  return finder.at(clip_item, local_time);
-}
-
-std::vector<FcpxmlProject> fcpxml_projects(const xmlNode* root, const FcpxmlResources& resources) {
-  std::vector<FcpxmlProject> projects;
-  for (const xmlNode* element : xml::all_descendants(root, "project")) {
-    FcpxmlProject project;
-    project.project = element;
-    project.name = xml::attribute(element, "name")
-                       .value_or("Project " + std::to_string(projects.size() + 1));
-    project.sequence = xml::first_child_element(element, "sequence");
-    if (project.sequence != nullptr) {
-      project.frame_duration =
-          resources.frame_duration(xml::attribute(project.sequence, "format").value_or(""));
-      project.tc_start = time_of(project.sequence, "tcStart");
-      project.title_lane = std::max(1LL, highest_lane(project.sequence) + 1);
-    }
-    if (project.frame_duration) {
-      const RationalTime duration = time_of(project.sequence, "duration");
-      project.duration = duration.rescaled_to(frames_per_second(*project.frame_duration)).value();
-      MediaFinder media(resources);
-      const Timeline timeline = flatten(project, resources, media);
-      project.lanes = timeline.lanes.size();
-      sweep(timeline.seen, [&project](const Placed&, long long, long long) { ++project.shots; });
-    }
-    projects.push_back(std::move(project));
-  }
-  return projects;
-}
-
-std::vector<FcpxmlShot> fcpxml_shots(const FcpxmlProject& project,
-                                     const FcpxmlResources& resources) {
+std::vector<FcpxmlShot> fcpxml_shots(const xmlNode* sequence, const FcpxmlResources& resources) {
   std::vector<FcpxmlShot> shots;
-  if (project.sequence == nullptr || !project.frame_duration) return shots;
-  MediaFinder media(resources);
-  const Timeline timeline = flatten(project, resources, media);
-  const xmlNode* spine = xml::first_child_element(project.sequence, "spine");
-  const std::vector<Anchor> anchors = spine != nullptr ? primary_items(spine) : std::vector<Anchor>{};
-  const TimeScale frames = frames_per_second(*project.frame_duration);
-  sweep(timeline.seen, [&](const Placed& item, long long first, long long end) {
+  const auto frame_duration =
+      resources.frame_duration(xml::attribute(sequence, "format").value_or(""));
+  if (!frame_duration) return shots;
+  const RationalTime tc_start = time_of(sequence, "tcStart");
+  std::vector<Candidate> candidates;
+  std::size_t order = 0;
+  walk_sequence(sequence, [&](const xmlNode* item, const RationalTime& place, long long lane, bool on) {
+    ++order;
+    if (!on || !is_fcpxml_clip_item(item, resources)) return;
+    const xmlNode* media = fcpxml_media_point(item, time_of(item, "start"), resources).media_item;
+    if (!fcpxml_shows_picture(item, media, resources)) return;
+    candidates.push_back({item, place, lane, order,
+                          frames_up(place - tc_start, *frame_duration),
+                          frames_up(place + time_of(item, "duration") - tc_start, *frame_duration)});
+  });
+  const std::vector<Anchor> anchors = primary_items(sequence);
+  const TimeScale frames(frame_duration->scale().units(),
+                         frame_duration->value() * frame_duration->scale().seconds());
+  sweep(candidates, [&](const Candidate& seen, long long first, long long end) {
     FcpxmlShot shot;
-    shot.item = item.item;
+    shot.item = seen.item;
     shot.first_frame = first;
     shot.length = end - first;
-    const RationalTime instant = project.tc_start + RationalTime(first, frames);
-    shot.media = media.at(item.item, time_of(item.item, "start") + (instant - item.place));
+    const RationalTime instant = tc_start + RationalTime(first, frames);
+    shot.item_time = time_of(seen.item, "start") + (instant - seen.place);
     if (const Anchor* anchor = anchor_at(anchors, instant)) {
       shot.anchor = anchor->item;
       shot.anchor_time = time_of(anchor->item, "start") + (instant - anchor->place);
@@ -439,6 +221,22 @@ std::vector<FcpxmlShot> fcpxml_shots(const FcpxmlProject& project,
     shots.push_back(shot);
   });
   return shots;
+}
+
+std::size_t fcpxml_lanes_used(const xmlNode* sequence) {
+  std::set<long long> lanes;
+  walk_sequence(sequence, [&lanes](const xmlNode*, const RationalTime&, long long lane, bool) {
+    if (lane >= 0) lanes.insert(lane);
+  });
+  return lanes.size();
+}
+
+long long fcpxml_title_lane(const xmlNode* sequence) {
+  long long highest = 0;
+  xml::walk_elements(sequence, [&highest](xmlNode* element) {
+    highest = std::max(highest, lane_of(element));
+  });
+  return highest + 1;
 }
 
 }  // namespace quillory

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "source/fcpxml_clip_facts.h"
 #include "source/fcpxml_time.h"
 #include "test_support.h"
 #include "xml/xml_nodes.h"
@@ -35,11 +36,13 @@ std::string name_of(const xmlNode* item) {
 }
 
 // "name first+length source-item@time anchor@time".
-std::string describe(const FcpxmlShot& shot) {
+std::string describe(const FcpxmlShot& shot, const FcpxmlResources& resources) {
   std::string text = name_of(shot.item) + " " + std::to_string(shot.first_frame) + "+" +
                      std::to_string(shot.length);
-  text += shot.media ? " " + name_of(shot.media->item) + "@" + fcpxml_time_text(shot.media->time)
-                     : " no-media";
+  const FcpxmlMediaPoint media = fcpxml_media_point(shot.item, shot.item_time, resources);
+  text += media.media_item != nullptr
+              ? " " + name_of(media.media_item) + "@" + fcpxml_time_text(media.source_time)
+              : " no-media";
   return text + " " + name_of(shot.anchor) + "@" + fcpxml_time_text(shot.anchor_time);
 }
 
@@ -109,34 +112,26 @@ TEST(FcpxmlShots, FlattenTheTimelineIntoThePictureSeenAtEachFrame) {
     const xml::Document doc = test::parse(row.document);
     const xmlNode* root = xmlDocGetRootElement(doc.get());
     const FcpxmlResources resources(root);
-    const std::vector<FcpxmlProject> projects = fcpxml_projects(root, resources);
-    ASSERT_EQ(projects.size(), 1U);
+    const xmlNode* sequence = xml::first_descendant(root, "sequence", "project");
     std::vector<std::string> shots;
-    for (const FcpxmlShot& shot : fcpxml_shots(projects[0], resources)) shots.push_back(describe(shot));
+    for (const FcpxmlShot& shot : fcpxml_shots(sequence, resources)) {
+      shots.push_back(describe(shot, resources));
+    }
     EXPECT_EQ(shots, row.shots);
-    EXPECT_EQ(projects[0].shots, row.shots.size());
-    EXPECT_EQ(projects[0].title_lane, row.title_lane);
+    EXPECT_EQ(fcpxml_title_lane(sequence), row.title_lane);
   }
 }
 
-TEST(FcpxmlShots, ProjectsAreNamedCountedAndMeasured) {
-  const xml::Document doc = test::parse(R"(<fcpxml version="1.11"><resources>
-      <format id="f" frameDuration="1001/30000s"/><format id="n"/></resources>
-    <project name="Cut"><sequence format="f" duration="30030/30000s"><spine>
-      <gap offset="0s" duration="30030/30000s"/></spine></sequence></project>
-    <event><project><sequence format="n" duration="5s"><spine/></sequence></project></event>
-  </fcpxml>)");
-  const xmlNode* root = xmlDocGetRootElement(doc.get());
-  const FcpxmlResources resources(root);
-  const std::vector<FcpxmlProject> projects = fcpxml_projects(root, resources);
-  ASSERT_EQ(projects.size(), 2U);
-  EXPECT_EQ(projects[0].name, "Cut");
-  EXPECT_EQ(projects[0].duration, 30);
-  EXPECT_EQ(projects[0].lanes, 1U);
-  EXPECT_EQ(projects[0].shots, 0U);
-  EXPECT_EQ(projects[1].name, "Project 2");
-  EXPECT_FALSE(projects[1].frame_duration);
-  EXPECT_TRUE(fcpxml_shots(projects[1], resources).empty());
+TEST(FcpxmlShots, LanesUsedCountThePictureLanesOfEveryStoryline) {
+  const xml::Document doc = test::parse(project(R"(
+      <asset-clip ref="v" name="A" offset="0s" duration="10s">
+        <spine lane="2" offset="1s"><asset-clip ref="w" offset="0s" duration="1s"/></spine>
+        <asset-clip ref="s" lane="-1" offset="0s" duration="10s"/>
+      </asset-clip>
+      <gap offset="10s" duration="1s"><title ref="g" lane="1" offset="0s" duration="1s"/></gap>)"));
+  const xmlNode* sequence = xml::first_descendant(xmlDocGetRootElement(doc.get()), "sequence", "project");
+  EXPECT_EQ(fcpxml_lanes_used(sequence), 3U);
+  EXPECT_EQ(fcpxml_title_lane(sequence), 3);
 }
 
 }  // namespace
