@@ -143,7 +143,7 @@ Form FormPanel::form() const {
     form.lines[i].choice.reset();
     if (choices_[i]->currentIndex() >= 0) form.lines[i].choice = choices_[i]->currentText().toStdString();
   }
-  form.tcrCheckbox = checkbox_state(timecode_reader_);
+  form.tcrCheckbox = timecode_reader_->isEnabled() ? checkbox_state(timecode_reader_) : 0;
   form.importSafeCheckbox = checkbox_state(import_safe_);
   return form;
 }
@@ -163,7 +163,9 @@ void FormPanel::showSource(const Controller& controller) {
 }
 
 void FormPanel::showDocument(const Controller& controller) {
-  QStringList sources{QString::fromUtf8(kMasterClips)};
+  // An FCPXML document's clips are its event clips; it has no Timecode Reader filter.
+  QStringList sources{controller.fcpxml() ? tr("Event Clips") : QString::fromUtf8(kMasterClips)};
+  timecode_reader_->setEnabled(!controller.fcpxml());
   for (const auto& sequence : controller.source().sequences) sources << QString::fromStdString(sequence.name);
   refill(source_menu_, sources, sources.front());
   showSource(controller);

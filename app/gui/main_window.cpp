@@ -40,15 +40,18 @@ namespace {
 std::string local_path(const QString& path) { return QFile::encodeName(path).toStdString(); }
 QString shown_path(const std::string& path) { return QFile::decodeName(QByteArray::fromStdString(path)); }
 
-// A single local .xml file, the only thing the window takes by drag and drop.
+// A single local .xml or .fcpxml file, or an FCPXML bundle (a .fcpxmld folder): what the
+// window takes by drag and drop.
 QString dropped_document(const QMimeData* mime) {
   if (mime == nullptr || !mime->hasUrls() || mime->urls().size() != 1) return {};
   const QUrl url = mime->urls().constFirst();
   if (!url.isLocalFile()) return {};
   const QString path = url.toLocalFile();
-  return QFileInfo(path).suffix().compare(QLatin1String("xml"), Qt::CaseInsensitive) == 0
-             ? path
-             : QString();
+  const QFileInfo file(path);
+  const auto is = [&file](const char* suffix) {
+    return file.suffix().compare(QLatin1String(suffix), Qt::CaseInsensitive) == 0;
+  };
+  return is("xml") || is("fcpxml") || (is("fcpxmld") && file.isDir()) ? path : QString();
 }
 
 }  // namespace
@@ -123,14 +126,15 @@ void MainWindow::saveSettings() const {
 }
 
 QString MainWindow::outputPath() const {
-  const auto& path = controller_.paths().TEMP_XML_FILE;
+  const auto& path = controller_.default_output();
   return path ? QString::fromStdString(*path) : QString();
 }
 
 void MainWindow::chooseDocument() {
   const QString path =
       QFileDialog::getOpenFileName(this, tr("Open Final Cut Pro XML"), last_folder_,
-                                   tr("Final Cut Pro XML (*.xml);;All files (*)"));
+                                   tr("Final Cut Pro XML and FCPXML (*.xml *.fcpxml);;"
+                                      "FCPXML bundle (Info.fcpxml);;All files (*)"));
   if (!path.isEmpty()) openDocument(path);
 }
 
@@ -162,8 +166,10 @@ bool MainWindow::openDocument(const QString& path) {
                  opened.incomplete
                      ? tr("Its first node is not <xmeml>: %1. The window still shows the "
                           "previous document.").arg(error) + document_->tolerantHint()
-                     : tr("Its first element is not <xmeml>. The window still shows the previous "
-                          "document."));
+                     : error.isEmpty()
+                         ? tr("Its first element is not <xmeml>. The window still shows the previous "
+                              "document.")
+                         : tr("%1. The window still shows the previous document.").arg(error));
       return false;
     case OpenStatus::Broken:
       // The display and the menus show what was read, but no titles are made from half a
@@ -235,7 +241,7 @@ bool MainWindow::createTitles() {
     show_error(this, tr("Could not create titles. The previous file is unchanged."), error);
     return false;
   }
-  output_->showWritten();
+  output_->showWritten(outputPath());
   showReport(done.report, tr("Wrote %1 titles to %2.")
                          .arg(controller_.source().clips.size())
                          .arg(outputPath()));

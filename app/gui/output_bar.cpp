@@ -63,7 +63,8 @@ OutputBar::OutputBar(QString output_path, std::function<QString()> suggested_cop
   hide();
 }
 
-void OutputBar::showWritten() {
+void OutputBar::showWritten(const QString& path) {
+  output_path_ = path;
   label_->setText(tr("Written to %1").arg(output_path_));
   label_->setToolTip(output_path_);
   show();
@@ -71,7 +72,8 @@ void OutputBar::showWritten() {
 
 void OutputBar::saveCopy() {
   const QString target = QFileDialog::getSaveFileName(this, tr("Save a Copy of the Titles"),
-                                                      suggested_copy_(), tr("XML (*.xml)"));
+                                                      suggested_copy_(),
+                                                      tr("XML (*.xml *.fcpxml)"));
   if (!target.isEmpty()) saveCopyTo(target);
 }
 

@@ -23,7 +23,8 @@ class OutputBar : public QWidget {
   OutputBar(QString output_path, std::function<QString()> suggested_copy,
             std::function<QString(const QString&)> refusal, QWidget* parent = nullptr);
 
-  void showWritten();
+  // Shows that the titles were written to `path`.
+  void showWritten(const QString& path);
   // Copies the output to `target`, replacing what is there only once the copy is complete;
   // false, copying nothing, while the bar is hidden or when `target` is refused.
   bool saveCopyTo(const QString& target);
