@@ -11,7 +11,8 @@ namespace quillory {
 namespace {
 
 // A 25 fps project over `spine`, with video assets "v" and "w", a sound file "s", a generator,
-// a compound clip "cc" and a multicam "mc" whose angle "b" holds "w" from 200 s.
+// a compound clip "cc" and a multicam "mc" whose angle "b" holds "w" from 200 s after a gap
+// and a transition.
 std::string project(const std::string& spine, const std::string& sequence_attributes = "",
                     const std::string& frame_duration = "100/2500s") {
   return R"(<fcpxml version="1.11"><resources>
@@ -25,6 +26,7 @@ std::string project(const std::string& spine, const std::string& sequence_attrib
     <media id="mc" name="MC"><multicam format="f">
       <mc-angle name="A" angleID="a"><asset-clip ref="v" name="camA" offset="0s" start="50s" duration="100s"/></mc-angle>
       <mc-angle name="B" angleID="b"><gap offset="0s" duration="1s"/>
+        <transition offset="1/2s" duration="1s"/>
         <asset-clip ref="w" name="camB" offset="1s" start="200s" duration="99s"/></mc-angle>
     </multicam></media>
   </resources><library><event name="E"><project name="P"><sequence format="f" duration="100s" )" +
@@ -86,11 +88,13 @@ TEST(FcpxmlShots, FlattenTheTimelineIntoThePictureSeenAtEachFrame) {
        project(R"(<audition offset="0s"><asset-clip ref="v" name="X" start="1s" duration="4s"/>
                     <asset-clip ref="w" name="Y" duration="2s"/></audition>)"),
        {"X 0+100 X@1s X@1s"}, 1},
-      {"a multicam clip shows its video angle's item at the multicam time",
+      {"a multicam clip shows its first angle playing video (all when unsaid) at the multicam time",
        project(R"(<mc-clip ref="mc" name="M" offset="0s" start="10s" duration="5s">
-                    <mc-source angleID="a" srcEnable="audio"/><mc-source angleID="b" srcEnable="video"/>
-                  </mc-clip>)"),
-       {"M 0+125 camB@209s M@10s"}, 1},
+                    <mc-source angleID="a" srcEnable="audio"/><mc-source angleID="b"/>
+                  </mc-clip>
+                  <mc-clip ref="mc" name="M2" offset="5s" start="6/5s" duration="1s">
+                    <mc-source angleID="b" srcEnable="video"/></mc-clip>)"),
+       {"M 0+125 camB@209s M@10s", "M2 125+25 camB@5005/25s M2@30/25s"}, 1},
       {"a compound clip is seen as a whole",
        project(R"(<ref-clip ref="cc" name="CC" offset="0s" duration="5s"/>)"),
        {"CC 0+125 no-media CC@0s"}, 1},
