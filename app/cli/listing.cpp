@@ -51,7 +51,7 @@ void print_listing(const OpenedSource& opened, std::ostream& out) {
               ? "Projects (name, rate, length in frames, lanes, shots):\n"
               : "Sequences (name, rate, length in frames, video tracks, shots):\n");
   for (const auto& sequence : opened.sequences) {
-    out << "  " << sequence.name << ", " << sequence.rate << ", " << sequence.duration << ", "
+    out << "  " << sequence.name << ", " << sequence.rate << ", " << sequence.duration.value() << ", "
         << sequence.video_tracks << ", " << sequence.shots << "\n";
   }
 }
@@ -83,7 +83,7 @@ void print_json_listing(const OpenedSource& opened, std::ostream& out,
   for (const auto& sequence : opened.sequences) {
     listing["sequences"].push_back({{"name", sequence.name},
                                     {"rate", rate_or_null(sequence.rate)},
-                                    {"duration", sequence.duration},
+                                    {"duration", sequence.duration.value()},
                                     {"video_tracks", sequence.video_tracks},
                                     {"shots", sequence.shots}});
   }

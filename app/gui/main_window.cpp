@@ -197,7 +197,7 @@ void MainWindow::showDocument(const QString& path) {
   document_->showDocument(controller_.display());
   form_->showDocument(controller_);
   last_folder_ = QFileInfo(path).absolutePath();
-  preview_->setClips(&controller_.source().clips, controller_.source().sequence_rate.timebase());
+  preview_->setClips(&controller_.source().clips, controller_.source().sequence_rate);
   updateActions();
 }
 

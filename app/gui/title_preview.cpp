@@ -102,7 +102,7 @@ TitlePreview::TitlePreview(std::function<PreviewSetup()> setup, QWidget* parent)
   setClips(nullptr);
 }
 
-void TitlePreview::setClips(const std::vector<ClipRecord>* clips, int timebase) {
+void TitlePreview::setClips(const std::vector<ClipRecord>* clips, const FrameRate& rate) {
   clips_ = clips;
   forgetFrames();
   const int previous = std::max(clip_menu_->currentIndex(), 0);
@@ -114,7 +114,7 @@ void TitlePreview::setClips(const std::vector<ClipRecord>* clips, int timebase) 
     // Numbered, because clip names need not be unique; a shot with its place in the sequence.
     QString name = QStringLiteral("%1. %2").arg(i + 1).arg(QString::fromStdString(clip.clip_name));
     if (clip.shot) {
-      name += tr(" at %1").arg(QString::fromStdString(format_timecode(clip.shot->start, {timebase, false})));
+      name += tr(" at %1").arg(QString::fromStdString(format_timecode(clip.shot->place.start.value(), {rate.timebase(), false})));
     }
     names.append(name);
   }

@@ -8,6 +8,7 @@
 #include <functional>
 #include <vector>
 
+#include "startup/frame_rate.h"
 #include "titles/compose_title_text.h"
 #include "titles/title_style.h"
 #include "titles/video_format.h"
@@ -39,7 +40,8 @@ class TitlePreview : public QWidget {
 
   // Offers the clips of a newly opened document; `clips` must outlive the next call. Shots
   // show where they start in a sequence of `timebase` frames a second.
-  void setClips(const std::vector<ClipRecord>* clips, int timebase = 30);
+  // `rate` is the sequence's, which a shot's place counts.
+  void setClips(const std::vector<ClipRecord>* clips, const FrameRate& rate = {});
   // Draws the chosen clip's title again.
   void refresh();
   // "N. NAME: line 2, 5" for every clip with a line outside title-safe.

@@ -15,9 +15,8 @@ bool read_rate(const xmlNode* node, FramePosition& position) {
   if (rate == nullptr) return false;
   const auto timebase = xml::leading_integer(xml::text_content(xml::first_child_element(rate, "timebase")));
   if (timebase <= 0 || timebase > 1000) return false;
-  position.timebase = static_cast<int>(timebase);
-  const std::string ntsc(xml::trim_blanks(xml::text_content(xml::first_child_element(rate, "ntsc"))));
-  position.ntsc = ntsc == "TRUE" || ntsc == "true";
+  const std::string ntsc = xml::text_content(xml::first_child_element(rate, "ntsc"));
+  position.rate = FrameRate(static_cast<int>(timebase), FrameRate::read_ntsc(ntsc, true).value_or(false));
   return true;
 }
 

@@ -49,7 +49,10 @@ CodecContext open_decoder(const AVStream& stream) {
 
 // How long one frame of `at` lasts; the stream's own rate when `at` names none.
 AVRational frame_duration(const FramePosition& at, const AVStream& stream) {
-  if (at.timebase > 0) return at.ntsc ? AVRational{1001, at.timebase * 1000} : AVRational{1, at.timebase};
+  if (at.rate && at.rate->timebase() > 0) {
+    const TimeScale per_second = at.rate->per_second();
+    return AVRational{static_cast<int>(per_second.seconds()), static_cast<int>(per_second.units())};
+  }
   const AVRational rate = stream.avg_frame_rate.num > 0 ? stream.avg_frame_rate : stream.r_frame_rate;
   if (rate.num <= 0 || rate.den <= 0) return {1, 25};
   return av_inv_q(rate);

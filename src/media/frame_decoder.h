@@ -3,18 +3,19 @@
 // over. Nothing here knows of any window toolkit.
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "startup/frame_rate.h"
+
 namespace quillory::media {
 
-// A frame counted from the media's first, at `timebase` frames a second (NTSC: timebase × 1000
-// / 1001). A timebase of 0 counts frames at the media's own rate.
+// A frame counted from the media's first at `rate`, or at the media's own rate without one.
 struct FramePosition {
   long long frame = 0;
-  int timebase = 0;
-  bool ntsc = false;
+  std::optional<FrameRate> rate;
 };
 
 // 8-bit RGB, rows top first, `width` × 3 bytes each with no padding.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "source/date_time.h"
+#include "startup/rational_time.h"
 #include "xml/xml_handles.h"
 
 namespace quillory {
@@ -14,9 +15,8 @@ namespace quillory {
 // Where a shot of an edited sequence lies: the sequence frames over which its clip item is the
 // picture seen.
 struct ShotPlace {
-  long long start = 0;
-  long long end = 0;
-  xmlNode* item = nullptr;  // the <clipitem> seen
+  TimeRange place;          // in the sequence's frames
+  xmlNode* item = nullptr;  // the clip item seen
 };
 
 struct ClipRecord {

@@ -176,7 +176,7 @@ std::string fcpxml_timecode(const RationalTime& source_time, const RationalTime&
                          frame_duration.value() * frame_duration.scale().seconds());
   const std::optional<RateRecord> row = find_frame_rate_by_duration(frame_duration);
   TimecodeFormat format;
-  format.timebase = row ? row->timebase : static_cast<int>(std::llround(frames.per_second()));
+  format.timebase = row ? row->rate.timebase() : static_cast<int>(std::llround(frames.per_second()));
   format.drop_frame = drop_frame && row && row->frame_rate().drop_frame();
   format.wrap_at_24_hours = false;
   // A frame is counted from its first instant: half-way between two rounds to the later.

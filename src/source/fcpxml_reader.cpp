@@ -206,11 +206,9 @@ std::vector<SequenceSummary> summarize_fcpxml_projects(const xmlNode* root,
         resources.frame_duration(xml::attribute(sequence, "format").value_or(""));
     if (const auto row = frame_duration ? find_frame_rate_by_duration(*frame_duration) : std::nullopt) {
       summary.rate = row->type;
-      summary.ntsc = row->ntsc;
-      summary.timebase = row->timebase;
-      summary.duration = fcpxml_time_attribute(sequence, "duration")
-                             .rescaled_to(row->frame_rate().per_second())
-                             .value();
+      summary.frame_rate = row->rate;
+      summary.duration =
+          fcpxml_time_attribute(sequence, "duration").rescaled_to(row->rate.per_second());
     }
     if (sequence != nullptr) {
       summary.video_tracks = fcpxml_lanes_used(sequence);

@@ -22,7 +22,7 @@ std::string accepted_rates() {
   std::string text;
   for (const auto& rate : FRAME_RATES) {
     if (!text.empty()) text += ", ";
-    text += std::string(rate.ntsc) + "/" + std::to_string(rate.timebase);
+    text += std::string(rate.rate.ntsc_text()) + "/" + std::to_string(rate.rate.timebase());
   }
   return text;
 }
@@ -176,8 +176,8 @@ class ClipReader {
       opened_.clip_rates.emplace_back();
       return;
     }
-    if (rate->ntsc != ntsc) {
-      made.push_back("ntsc \"" + shown(ntsc) + "\" read as " + std::string(rate->ntsc));
+    if (rate->rate.ntsc_text() != ntsc) {
+      made.push_back("ntsc \"" + shown(ntsc) + "\" read as " + std::string(rate->rate.ntsc_text()));
     }
     out_.line("clip " + name + ": " + describe(*rate));
     opened_.clip_rates.emplace_back(rate->type);
@@ -212,15 +212,13 @@ const SequenceSummary* find_sequence(const std::vector<SequenceSummary>& sequenc
 
 // The chosen sequence's rate: one the table holds, else (tolerant reading) kept as written.
 void check_sequence_rate(const SequenceSummary& sequence, bool tolerant, OpenedSource& opened) {
-  opened.sequence_rate = FrameRate(static_cast<int>(sequence.timebase),
-                                   FrameRate::read_ntsc(sequence.ntsc, true).value_or(false));
+  opened.sequence_rate = sequence.frame_rate;
   if (!sequence.rate.empty()) {
     opened.frame_rates = {sequence.rate};
     return;
   }
   const std::string what = "sequence \"" + shown(sequence.name) + "\" (" + xml::where(sequence.element) +
-                           "): no frame rate matches ntsc \"" + shown(sequence.ntsc) +
-                           "\" and timebase " + std::to_string(sequence.timebase);
+                           "): no frame rate matches " + sequence.written_rate;
   if (!tolerant) throw IncompleteInput("quillory: " + what + "; accepted ntsc/timebase pairs: " + accepted_rates());
   opened.warnings.push_back("quillory: warning: " + what + ", kept as written");
 }

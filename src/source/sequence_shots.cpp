@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "source/timecode.h"
+#include "source/user_message.h"
 #include "startup/frame_rates.h"
 #include "xml/xml_nodes.h"
 
@@ -183,16 +184,26 @@ void read_logging(const xmlNode* item, const DocumentIndex& index, ClipRecord& r
   record.lognote = child_text(logging, "lognote");
 }
 
+// A rate as an element's <rate> writes it, the NTSC flag read loosely; `fallback` without a
+// timebase.
+FrameRate rate_of(const xmlNode* element, const FrameRate& fallback) {
+  const xmlNode* rate = xml::first_child_element(element, "rate");
+  const long long timebase = integer_child(rate, "timebase");
+  if (timebase <= 0) return fallback;
+  return FrameRate(static_cast<int>(timebase),
+                   FrameRate::read_ntsc(child_text(rate, "ntsc"), true).value_or(false));
+}
+
 // The source timecode of the shot's first frame: the file's first frame, plus the item's
 // <in>, plus how far into the item the shot starts, counted in the item's own rate.
 std::string first_frame_timecode(const Span& span, long long shot_start, const xmlNode* file,
-                                 long long sequence_timebase) {
+                                 const FrameRate& sequence_rate) {
   const xmlNode* timecode = xml::first_child_element(file, "timecode");
   if (timecode == nullptr) return "";
   const xmlNode* rate = xml::first_child_element(timecode, "rate");
   TimecodeFormat format;
   format.timebase = static_cast<int>(integer_child(rate, "timebase"));
-  if (format.timebase <= 0) format.timebase = static_cast<int>(sequence_timebase);
+  if (format.timebase <= 0) format.timebase = sequence_rate.timebase();
   if (format.timebase <= 0) return "";
   format.drop_frame = xml::trim_blanks(child_text(timecode, "displayformat")) == "DF" &&
                       xml::trim_blanks(child_text(rate, "ntsc")) == "TRUE";
@@ -203,10 +214,10 @@ std::string first_frame_timecode(const Span& span, long long shot_start, const x
     first = timecode_frames(child_text(timecode, "string"), format);
   }
   if (!first) return "";
+  const FrameRate item_rate = rate_of(span.item, sequence_rate);
   long long offset = shot_start - span.anchor;
-  const long long item_timebase = integer_child(xml::first_child_element(span.item, "rate"), "timebase");
-  if (item_timebase > 0 && sequence_timebase > 0 && item_timebase != sequence_timebase) {
-    offset = offset * item_timebase / sequence_timebase;
+  if (sequence_rate.timebase() > 0) {
+    offset = sequence_rate.frames(offset).rescaled_to(item_rate.per_second()).value();
   }
   return format_timecode(*first + integer_child(span.item, "in") + offset, format);
 }
@@ -233,13 +244,14 @@ ClipRecord shot_record(const Span& span, long long start, long long end,
       record.path_url = media->path_url;
     }
     if (const xmlNode* file = item_file(span.item, index)) {
-      record.frame_string = first_frame_timecode(span, start, file, sequence.timebase);
+      record.frame_string = first_frame_timecode(span, start, file, sequence.frame_rate);
     }
   }
   read_logging(span.item, index, record);
   record.xml = const_cast<xmlNode*>(span.item);
   record.document = doc;
-  record.shot = ShotPlace{start, end, record.xml};
+  const FrameRate rate = sequence.frame_rate;
+  record.shot = ShotPlace{{rate.frames(start), rate.frames(end - start)}, record.xml};
   return record;
 }
 
@@ -284,24 +296,23 @@ std::vector<SequenceSummary> summarize_sequences(const DocumentIndex& index, boo
     summary.name = name != nullptr ? xml::text_content(name)
                                    : "Sequence " + std::to_string(summaries.size() + 1);
     const xmlNode* rate = xml::first_child_element(sequence, "rate");
-    summary.ntsc = child_text(rate, "ntsc");
-    summary.timebase = integer_child(rate, "timebase");
-    const auto row = tolerant ? find_frame_rate_loosely(summary.ntsc, summary.timebase)
-                              : find_frame_rate(summary.ntsc, summary.timebase);
+    const std::string ntsc = child_text(rate, "ntsc");
+    const long long timebase = integer_child(rate, "timebase");
+    const auto row = tolerant ? find_frame_rate_loosely(ntsc, timebase) : find_frame_rate(ntsc, timebase);
     if (row) summary.rate = std::string(row->type);
-    summary.duration = integer_child(sequence, "duration");
+    summary.frame_rate = FrameRate(static_cast<int>(timebase), FrameRate::read_ntsc(ntsc, true).value_or(false));
+    summary.written_rate = "ntsc \"" + shown(ntsc) + "\" and timebase " + std::to_string(timebase);
+    summary.duration = summary.frame_rate.frames(integer_child(sequence, "duration"));
     summary.video_tracks = xml::elements_at(sequence, {"media", "video", "track"}).size();
-    summary.shots = find_shots(sequence, index).size();
+    summary.shots = count_shots(sequence, index);
     summaries.push_back(std::move(summary));
   }
   return summaries;
 }
 
-std::vector<ShotPlace> find_shots(const xmlNode* sequence, const DocumentIndex& index) {
-  std::vector<ShotPlace> shots;
-  sweep(visible_spans(sequence, index), [&](const Span& span, long long start, long long end) {
-    shots.push_back({start, end, const_cast<xmlNode*>(span.item)});
-  });
+std::size_t count_shots(const xmlNode* sequence, const DocumentIndex& index) {
+  std::size_t shots = 0;
+  sweep(visible_spans(sequence, index), [&](const Span&, long long, long long) { ++shots; });
   return shots;
 }
 

@@ -9,6 +9,7 @@
 
 #include "source/catalogue.h"
 #include "source/clip_record.h"
+#include "startup/frame_rate.h"
 #include "xml/xml_handles.h"
 
 namespace quillory {
@@ -17,9 +18,9 @@ struct SequenceSummary {
   std::string name;  // its <name>, or "Sequence N" (N its number among these) without one
   xmlNode* element = nullptr;
   std::string rate;  // the name of its rate's row; "" when none matches
-  std::string ntsc;  // its rate as written
-  long long timebase = 0;
-  long long duration = 0;
+  FrameRate frame_rate;      // its rate as written, the NTSC flag read loosely
+  std::string written_rate;  // the same, for a message: ntsc "True" and timebase 30
+  RationalTime duration;     // its <duration>, in its frames
   std::size_t video_tracks = 0;
   std::size_t shots = 0;
 };
@@ -49,8 +50,8 @@ class DocumentIndex {
 // as tolerant reading does.
 std::vector<SequenceSummary> summarize_sequences(const DocumentIndex& index, bool tolerant);
 
-// The shots of `sequence` in time order.
-std::vector<ShotPlace> find_shots(const xmlNode* sequence, const DocumentIndex& index);
+// How many shots `sequence` has.
+std::size_t count_shots(const xmlNode* sequence, const DocumentIndex& index);
 
 // One Clip record for each shot of `sequence`, as a master clip's is made: the facts of the
 // shot's clip item and its media file, its logging (else its master clip's), and the timecode

@@ -44,7 +44,7 @@ std::string format_timecode(long long frame, const TimecodeFormat& format) {
   const long long seconds = frame / base % 60;
   const long long minutes = frame / (base * 60) % 60;
   const long long hours = frame / (base * 3600) % (format.wrap_at_24_hours ? 24 : LLONG_MAX);
-  char text[32];
+  char text[80];  // hours run past 24 in FCPXML source times
   std::snprintf(text, sizeof text, "%02lld:%02lld:%02lld%c%02lld", hours, minutes, seconds,
                 drop > 0 ? ';' : ':', frames);
   return text;

@@ -1,27 +1,36 @@
 #include "startup/frame_rates.h"
 
-#include <cctype>
 #include <sstream>
 
-#include "xml/xml_nodes.h"
 
 namespace quillory {
 
-std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timebase) {
-  for (const auto& rate : FRAME_RATES) {
-    if (rate.ntsc == ntsc && rate.timebase == timebase) return rate;
+namespace {
+
+std::optional<RateRecord> find_written(std::string_view ntsc, long long timebase, bool loosely) {
+  const std::optional<bool> flag = FrameRate::read_ntsc(ntsc, loosely);
+  if (!flag) return std::nullopt;
+  for (const auto& row : FRAME_RATES) {
+    if (row.rate.ntsc() == *flag && row.rate.timebase() == timebase) return row;
   }
   return std::nullopt;
 }
 
+}  // namespace
+
+std::optional<RateRecord> find_frame_rate(std::string_view ntsc, long long timebase) {
+  return find_written(ntsc, timebase, false);
+}
+
 std::optional<RateRecord> find_frame_rate(const FrameRate& rate) {
-  return find_frame_rate(rate.ntsc_text(), rate.timebase());
+  for (const auto& row : FRAME_RATES) {
+    if (row.rate == rate) return row;
+  }
+  return std::nullopt;
 }
 
 std::optional<RateRecord> find_frame_rate_loosely(std::string_view ntsc, long long timebase) {
-  std::string upper(xml::trim_blanks(ntsc));
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return find_frame_rate(upper, timebase);
+  return find_written(ntsc, timebase, true);
 }
 
 std::optional<RateRecord> find_frame_rate_by_type(std::string_view type) {
@@ -40,7 +49,8 @@ RateRecord default_sequence_rate(const std::vector<std::string>& rates_met) {
 
 std::string describe(const RateRecord& rate) {
   std::ostringstream text;
-  text << rate.type << " (timebase " << rate.timebase << ", ntsc " << rate.ntsc << ", fcp_rate ";
+  text << rate.type << " (timebase " << rate.rate.timebase() << ", ntsc " << rate.rate.ntsc_text()
+       << ", fcp_rate ";
   std::visit([&text](auto value) { text << value; }, rate.fcp_rate);
   text << ")";
   return text.str();

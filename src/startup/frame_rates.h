@@ -14,22 +14,21 @@ namespace quillory {
 
 struct RateRecord {
   std::string_view type;  // display name
-  int timebase;           // whole frames per second, as in <rate><timebase>
-  std::string_view ntsc;  // "TRUE" or "FALSE", as in <rate><ntsc>
+  FrameRate rate;
   std::variant<int, double> fcp_rate;  // nominal rate: a decimal only for the NTSC rows
 
-  constexpr FrameRate frame_rate() const { return {timebase, ntsc == "TRUE"}; }
+  constexpr FrameRate frame_rate() const { return rate; }
 };
 
 inline constexpr std::array<RateRecord, 8> FRAME_RATES{{
-    {"24P (24fps)", 24, "TRUE", 23.976},
-    {"Film (24fps)", 24, "FALSE", 24},
-    {"PAL (25fps)", 25, "FALSE", 25},
-    {"NTSC/HD (29.97fps)", 30, "TRUE", 29.97},
-    {"Video/HD (30fps)", 30, "FALSE", 30},
-    {"HD (50fps)", 50, "FALSE", 50},
-    {"HD (59.94fps)", 60, "TRUE", 59.94},
-    {"HD (60fps)", 60, "FALSE", 60},
+    {"24P (24fps)", {24, true}, 23.976},
+    {"Film (24fps)", {24, false}, 24},
+    {"PAL (25fps)", {25, false}, 25},
+    {"NTSC/HD (29.97fps)", {30, true}, 29.97},
+    {"Video/HD (30fps)", {30, false}, 30},
+    {"HD (50fps)", {50, false}, 50},
+    {"HD (59.94fps)", {60, true}, 59.94},
+    {"HD (60fps)", {60, false}, 60},
 }};
 
 // The first row whose NTSC text equals `ntsc` byte for byte and whose timebase equals

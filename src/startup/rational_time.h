@@ -70,15 +70,18 @@ class RationalTime {
 
   // On this time's scale when both share it, else on their common scale: never rounded.
   constexpr RationalTime operator+(const RationalTime& other) const {
+    if (scale_ == other.scale_) return {value_ + other.value_, scale_};
     const TimeScale scale = TimeScale::common(scale_, other.scale_);
     return {rescaled_to(scale).value_ + other.rescaled_to(scale).value_, scale};
   }
   constexpr RationalTime operator-(const RationalTime& other) const {
+    if (scale_ == other.scale_) return {value_ - other.value_, scale_};
     const TimeScale scale = TimeScale::common(scale_, other.scale_);
     return {rescaled_to(scale).value_ - other.rescaled_to(scale).value_, scale};
   }
   // Ordered by the instants they stand for, whatever their scales.
   constexpr std::strong_ordering operator<=>(const RationalTime& other) const {
+    if (scale_ == other.scale_) return value_ <=> other.value_;
     return static_cast<WideCount>(value_) * other.scale_.units() * scale_.seconds() <=>
            static_cast<WideCount>(other.value_) * scale_.units() * other.scale_.seconds();
   }

@@ -77,9 +77,8 @@ std::string other_rate_warning(const RateRecord& own, const RateRecord& sequence
 
 // Where one clip goes, decided before anything is written.
 struct PlacedClip {
-  std::string start, end;
-  std::string length;        // on the sequence, in its frames
-  std::string media_length;  // of its media, in the clip's own frames
+  TimeRange place;            // on the sequence, in its frames
+  RationalTime media_length;  // of its media, in the clip's own frames
   std::string title_text;
   std::string label;
   xmlNode* video_item = nullptr;  // the source's; none only in tolerant reading
@@ -161,7 +160,7 @@ class Planner {
     return placed;
   }
 
-  long long duration() const { return position_; }
+  RationalTime duration() const { return position_; }
   std::vector<std::vector<std::string>>& assumptions() { return assumptions_; }
   // What placing the clips took as it stood that a user would not expect.
   const std::vector<std::string>& warnings() const { return warnings_; }
@@ -191,7 +190,7 @@ class Planner {
   // The clip's span on the sequence, from the running position on, with its progress lines.
   void time_clip(std::size_t index, const ClipRecord& clip, PlacedClip& placed,
                  std::vector<std::string>& made) {
-    out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position_));
+    out_.line("Clip " + std::to_string(index + 1) + " at " + std::to_string(position_.value()));
     const xmlNode* first_audio = placed.audio_items.empty() ? nullptr : placed.audio_items.front();
     const long long length = clip_length(clip.xml, placed.video_item, first_audio, placed.label,
                                          settings_.tolerant, made);
@@ -200,19 +199,18 @@ class Planner {
                                                   : std::nullopt;
     // Import-safe output places a clip of another rate for as long as it runs; otherwise its
     // frame count is taken as the sequence's frames, and a warning says what that does.
-    long long span = length;
+    const FrameRate own = rates ? rates->first.frame_rate() : settings_.rate;
+    placed.media_length = own.frames(length);
+    RationalTime span = settings_.rate.frames(length);
     std::string odd = odd_duration(clip.xml);
     if (rates && settings_.import_safe && length > 0) {
-      const auto& [own, sequence] = *rates;
-      span = own.frame_rate().frames(length).rescaled_to(sequence.frame_rate().per_second()).value();
+      span = placed.media_length.rescaled_to(settings_.rate.per_second());
     } else if (rates && odd.empty() && length > 0) {
       odd = other_rate_warning(rates->first, rates->second, length);
     }
-    placed.start = std::to_string(position_);
-    position_ = add_frames(position_, span, placed.label);
-    placed.end = std::to_string(position_);
-    placed.length = std::to_string(span);
-    placed.media_length = std::to_string(length);
+    const RationalTime start = position_;
+    position_ = settings_.rate.frames(add_frames(position_.value(), span.value(), placed.label));
+    placed.place = {start, position_ - start};
     if (!odd.empty()) warnings_.push_back(clip_warning(index, clip, odd));
   }
 
@@ -269,7 +267,7 @@ class Planner {
   Outline& outline_;
   const std::vector<std::string>& clip_rates_;
   LineSink& out_;
-  long long position_ = 0;
+  RationalTime position_{0, settings_.rate.per_second()};  // the end of the last clip placed
   std::vector<std::vector<std::string>> assumptions_;  // per clip placed
   std::vector<std::string> warnings_;
 };
@@ -292,7 +290,7 @@ class ItemWriter {
       if (index == 0 && clip.video_item != nullptr) {
         write_item(out, clip.video_item, clip, true);
       } else if (index == 1) {
-        titles_.write(out, {clip.start, clip.end, clip.length, clip.title_text, {}, {}}, i + 1);
+        titles_.write(out, clip.place, clip.title_text, i + 1);
         progress_.progress("writing", i + 1, placed_.size());
       } else if (index >= 2 && index - 2 < clip.audio_items.size()) {
         write_item(out, clip.audio_items[index - 2], clip, false);
@@ -303,7 +301,7 @@ class ItemWriter {
  private:
   void write_item(StreamWriter& out, const xmlNode* source, const PlacedClip& clip, bool video) {
     const xml::Node item = clean_copy(source, outline_.document.get());
-    set_item_timing(item.get(), clip.start, clip.end);
+    set_item_timing(item.get(), clip.place);
     if (clip.complete_items) complete(item.get(), clip);
     remove_link_indexes(item.get());
     if (video && filter_) filter_->append_to(item.get());

@@ -65,14 +65,11 @@ void ImportSafeOutput::add_definitions(const xmlDoc* source) {
 }
 
 void ImportSafeOutput::prepare_sequence(xmlNode* sequence, xmlNode* outline) {
-  xml::set_child_text(sequence, "duration", std::to_string(run_.duration));
+  xml::set_child_text(sequence, "duration", std::to_string(run_.duration.value()));
   xml::set_child_text(sequence, "uuid", name_uuid(uuid_name(run_, "sequence")));
   // A copied sequence may have no rate (tolerant reading keeps it as written).
   xmlNode* rate = xml::first_child_element(sequence, "rate");
-  if (rate != nullptr) {
-    ntsc_ = xml::text_content(xml::first_child_element(rate, "ntsc"));
-    timebase_ = xml::text_content(xml::first_child_element(rate, "timebase"));
-  }
+  sequence_rate_ = rate;
   add_format(sequence, rate);
   if (rate != nullptr && xml::first_child_element(sequence, "timecode") == nullptr) {
     add_timecode(rate);
@@ -111,7 +108,7 @@ void ImportSafeOutput::add_timecode(xmlNode* rate) {
       xml::text_content(xml::first_child_element(rate, "ntsc")),
       xml::leading_integer(xml::text_content(xml::first_child_element(rate, "timebase"))));
   TimecodeFormat shape;
-  shape.timebase = known ? known->timebase : 30;
+  shape.timebase = known ? known->rate.timebase() : 30;
   shape.drop_frame = known && known->frame_rate().drop_frame();
   xml::Node timecode(xmlNewDocNode(rate->doc, nullptr, BAD_CAST "timecode", nullptr));
   if (!timecode) throw std::bad_alloc();
@@ -124,8 +121,11 @@ void ImportSafeOutput::add_timecode(xmlNode* rate) {
 
 void ImportSafeOutput::prepare_title_template(xmlNode* title) {
   if (xmlNode* rate = xml::first_child_element(title, "rate")) {
-    xml::set_child_text(rate, "ntsc", ntsc_);
-    xml::set_child_text(rate, "timebase", timebase_);
+    for (const char* part : {"ntsc", "timebase"}) {
+      const xmlNode* written =
+          sequence_rate_ != nullptr ? xml::first_child_element(sequence_rate_, part) : nullptr;
+      xml::set_child_text(rate, part, written != nullptr ? xml::text_content(written) : "");
+    }
   }
   xml::set_child_text(title, "in", "0");
   title_ = describe(title);

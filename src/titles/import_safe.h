@@ -21,7 +21,7 @@ namespace quillory {
 struct ImportSafeRun {
   std::string source_digest;  // of the source document's bytes, which the UUIDs derive from
   std::string sequence_name;  // likewise
-  long long duration = 0;     // the end of the last clip
+  RationalTime duration;       // the end of the last clip, in the sequence's frames
 };
 
 // Applied to the parts of the output in the order they are written.
@@ -63,8 +63,7 @@ class ImportSafeOutput {
   std::unordered_map<std::string, const xmlNode*> definitions_;  // the source's, first per id
   std::unordered_set<std::string> defined_;                      // ids the output has defined
   std::unordered_map<std::string, std::string> first_with_id_;   // id: who carried it first
-  std::string ntsc_;
-  std::string timebase_;
+  const xmlNode* sequence_rate_ = nullptr;  // the sequence's <rate>, which every title takes
   // The ids inside a title besides its own, with who carries them: the same in every title.
   std::vector<std::pair<std::string, std::string>> title_inner_ids_;
   std::string title_;  // who a title is, in a warning

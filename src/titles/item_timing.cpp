@@ -90,26 +90,26 @@ std::string check_item_timing(const xmlNode* item, const std::string& owner, boo
                         "both are rewritten)");
 }
 
-void set_item_timing(xmlNode* item, const std::string& start, const std::string& end) {
+void set_item_timing(xmlNode* item, const TimeRange& place) {
   xmlNode* start_node = xml::first_child_element(item, "start");
   if (start_node == nullptr) start_node = insert_start(item);
   xmlNode* end_node = xml::first_child_element(item, "end");
   if (end_node == nullptr) end_node = xmlAddNextSibling(start_node, new_element(item, "end"));
-  xml::set_text(start_node, start);
-  xml::set_text(end_node, end);
+  xml::set_text(start_node, std::to_string(place.start.value()));
+  xml::set_text(end_node, std::to_string(place.end().value()));
 }
 
 std::string missing_source_range(const xmlNode* item) {
   return missing_of(item, "in", "out");
 }
 
-void add_source_range(xmlNode* item, const std::string& length) {
+void add_source_range(xmlNode* item, const RationalTime& length) {
   xmlNode* last = xml::first_child_element(item, "end");  // what an added element follows
   if (!has(item, "in")) {
     last = xmlAddNextSibling(last, new_element(item, "in"));
     xml::set_text(last, "0");
   }
-  if (!has(item, "out")) xml::set_text(xmlAddNextSibling(last, new_element(item, "out")), length);
+  if (!has(item, "out")) xml::set_text(xmlAddNextSibling(last, new_element(item, "out")), std::to_string(length.value()));
 }
 
 }  // namespace quillory

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "startup/rational_time.h"
 #include "xml/xml_handles.h"
 
 namespace quillory {
@@ -26,9 +27,10 @@ std::string odd_duration(const xmlNode* clip);
 // none. Strict reading throws IncompleteInput for either, naming the item as `owner`.
 std::string check_item_timing(const xmlNode* item, const std::string& owner, bool tolerant);
 
-// Sets the placed copy's <start> and <end>, adding those it lacks where xmeml puts them:
-// <start> after <rate>, else before <in>, else last; <end> after <start>.
-void set_item_timing(xmlNode* item, const std::string& start, const std::string& end);
+// Sets the placed copy's <start> and <end> to where it lies on the sequence, in the sequence's
+// frames, adding those it lacks where xmeml puts them: <start> after <rate>, else before
+// <in>, else last; <end> after <start>.
+void set_item_timing(xmlNode* item, const TimeRange& place);
 
 // Which of <in> and <out> the item lacks: "<in>", "<out>", "<in>/<out>", or "" when none.
 // Strict reading places such an item as it is.
@@ -38,6 +40,6 @@ std::string missing_source_range(const xmlNode* item);
 // `length`, the clip's length, so that the item shows its media from the first frame on.
 // Importers read both to know which frames of the media the item shows, and cannot read an
 // item without them. The copy has its <end> already: set_item_timing gave it one.
-void add_source_range(xmlNode* item, const std::string& length);
+void add_source_range(xmlNode* item, const RationalTime& length);
 
 }  // namespace quillory

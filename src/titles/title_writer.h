@@ -17,8 +17,9 @@ class TitleWriter {
   TitleWriter(const TitlePrototype& title, ImportSafeOutput* import_safe)
       : title_(title), import_safe_(import_safe) {}
 
-  // Title `number` (from 1) of the run, from `start` to `end` on the sequence.
-  void write(StreamWriter& out, const TitlePrototype::Fields& timing, std::size_t number);
+  // Title `number` (from 1) of the run, holding `text`, over `place` on the sequence.
+  void write(StreamWriter& out, const TimeRange& place, const std::string& text,
+             std::size_t number);
 
  private:
   const TitlePrototype& title_;

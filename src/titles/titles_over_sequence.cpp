@@ -100,24 +100,24 @@ struct SequenceCopy {
 
 // The progress lines of each shot, as for each placed clip, and its title's text; stops where
 // the template lacks something a title needs.
-std::vector<TitlePrototype::Fields> plan_titles(const std::vector<ClipRecord>& shots,
+std::vector<std::string> plan_titles(const std::vector<ClipRecord>& shots,
                                                 const TitlePrototype& title,
                                                 const TitleSettings& settings,
                                                 std::vector<std::vector<std::string>>& made,
                                                 LineSink& out) {
-  std::vector<TitlePrototype::Fields> titles;
+  std::vector<std::string> titles;
   titles.reserve(shots.size());
   for (std::size_t i = 0; i < shots.size(); ++i) {
     const ClipRecord& shot = shots[i];
-    const long long length = shot.shot->end - shot.shot->start;
-    out.line("Clip " + std::to_string(i + 1) + " at " + std::to_string(shot.shot->start));
-    out.line("  " + shot.clip_name + ", " + shot.file_name + ", " + std::to_string(length));
+    const TimeRange& place = shot.shot->place;
+    out.line("Clip " + std::to_string(i + 1) + " at " + std::to_string(place.start.value()));
+    out.line("  " + shot.clip_name + ", " + shot.file_name + ", " +
+             std::to_string(place.duration.value()));
     auto& assumed = made.emplace_back();
     if (!title.completed().empty()) assumed.push_back(title.completed());
     title.check("shot " + std::to_string(i + 1) + " \"" + shown(shot.clip_name) + "\" (" +
                 xml::where(shot.xml) + ")");
-    titles.push_back({std::to_string(shot.shot->start), std::to_string(shot.shot->end),
-                      std::to_string(length), compose_title_text(shot, settings.lines), {}, {}});
+    titles.push_back(compose_title_text(shot, settings.lines));
     out.progress("placing", i + 1, shots.size());
   }
   return titles;
@@ -127,9 +127,9 @@ std::vector<TitlePrototype::Fields> plan_titles(const std::vector<ClipRecord>& s
 class TrackWriter {
  public:
   TrackWriter(const SequenceCopy& copy, const std::vector<ClipRecord>& shots,
-              const std::vector<TitlePrototype::Fields>& titles, const TitleSettings& settings,
+              const std::vector<std::string>& titles, const TitleSettings& settings,
               TitleWriter& title_writer, ImportSafeOutput& import_safe, LineSink& progress)
-      : copy_(copy), titles_(titles), title_writer_(title_writer), import_safe_(import_safe),
+      : copy_(copy), shots_(shots), titles_(titles), title_writer_(title_writer), import_safe_(import_safe),
         progress_(progress) {
     if (settings.timecode_reader) {
       filter_.emplace();
@@ -162,13 +162,14 @@ class TrackWriter {
  private:
   void write_titles(StreamWriter& out) {
     for (std::size_t i = 0; i < titles_.size(); ++i) {
-      title_writer_.write(out, titles_[i], i + 1);
+      title_writer_.write(out, shots_[i].shot->place, titles_[i], i + 1);
       progress_.progress("writing", i + 1, titles_.size());
     }
   }
 
   const SequenceCopy& copy_;
-  const std::vector<TitlePrototype::Fields>& titles_;
+  const std::vector<ClipRecord>& shots_;
+  const std::vector<std::string>& titles_;  // the text of each shot's title
   TitleWriter& title_writer_;
   ImportSafeOutput& import_safe_;
   LineSink& progress_;
@@ -177,10 +178,11 @@ class TrackWriter {
 };
 
 // The copy's length: the source's, or the end of its last shot where that lies further.
-long long sequence_duration(const xmlNode* sequence, const std::vector<ClipRecord>& shots) {
-  const long long stated =
-      xml::leading_integer(xml::text_content(xml::first_child_element(sequence, "duration")));
-  return shots.empty() ? stated : std::max(stated, shots.back().shot->end);
+RationalTime sequence_duration(const xmlNode* sequence, const std::vector<ClipRecord>& shots,
+                               const FrameRate& rate) {
+  const RationalTime stated = rate.frames(
+      xml::leading_integer(xml::text_content(xml::first_child_element(sequence, "duration"))));
+  return shots.empty() ? stated : std::max(stated, shots.back().shot->place.end());
 }
 
 }  // namespace
@@ -198,7 +200,7 @@ AssumptionReport create_titles_over_sequence(const std::vector<TitleTemplate>& t
   const auto titles = plan_titles(shots, title, settings, made, out);
 
   ImportSafeOutput import_safe(shots, ImportSafeRun{settings.source_digest, settings.sequence_name,
-                                                    sequence_duration(sequence, shots)});
+                                                    sequence_duration(sequence, shots, settings.rate)});
   import_safe.add_definitions(sequence->doc);
   import_safe.prepare_sequence(copy.sequence, xmlDocGetRootElement(copy.document.get()));
   TitleWriter title_writer(title, &import_safe);

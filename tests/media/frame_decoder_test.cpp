@@ -41,7 +41,8 @@ TEST_F(FrameDecoderTest, EachFrameHasItsRunsColour) {
       // Counted at 50 frames a second, frame 20 falls at 0.4 s: the third run.
       {20, 50, false, 2}, {10, 30, true, 1}};
   for (const Case& c : cases) {
-    const RgbImage image = decode_frame(clip_, {c.frame, c.timebase, c.ntsc});
+    const RgbImage image = decode_frame(
+        clip_, {c.frame, c.timebase > 0 ? std::optional(FrameRate(c.timebase, c.ntsc)) : std::nullopt});
     ASSERT_EQ(image.width, 64);
     ASSERT_EQ(image.height, 36);
     ASSERT_EQ(image.pixels.size(), 64u * 36u * 3u);

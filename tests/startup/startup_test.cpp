@@ -75,8 +75,9 @@ TEST(StartUp, FolderLookupPrefersAnAbsoluteXdgDataHomeMakesItAndExpandsTilde) {
 // blanks around it. A pair no row has is found by neither.
 TEST(FrameRates, ATimebaseAndFlagFindTheirRow) {
   for (const auto& row : FRAME_RATES) {
-    EXPECT_EQ(find_frame_rate(row.ntsc, row.timebase)->type, row.type);
-    EXPECT_EQ(find_frame_rate_loosely(row.ntsc, row.timebase)->type, row.type);
+    EXPECT_EQ(find_frame_rate(row.rate.ntsc_text(), row.rate.timebase())->type, row.type);
+    EXPECT_EQ(find_frame_rate_loosely(row.rate.ntsc_text(), row.rate.timebase())->type, row.type);
+    EXPECT_EQ(find_frame_rate(row.rate)->type, row.type);
   }
   const std::tuple<std::string_view, long long, std::string_view> misses[] = {
       {"True", 30, "NTSC/HD (29.97fps)"}, {" true ", 24, "24P (24fps)"}, {"TRUE", 25, ""},
