@@ -143,7 +143,7 @@ void read_project_shots(const SequenceSummary& project, const FcpxmlResources& r
       resources.frame_duration(xml::attribute(sequence, "format").value_or(""));
   opened.sequence = project.element;
   if (!project.rate.empty()) {
-    opened.sequence_rate = FrameRate(static_cast<int>(project.timebase), project.ntsc == "TRUE");
+    opened.sequence_rate = project.frame_rate;
     opened.frame_rates = {project.rate};
   } else {
     const std::string duration = frame_duration ? "frame duration " + fcpxml_time_text(*frame_duration)
@@ -163,7 +163,8 @@ void read_project_shots(const SequenceSummary& project, const FcpxmlResources& r
     ClipRecord record = fcpxml_clip_record(shot.item, shot.item_time, resources);
     record.document = opened.document;
     auto* item = const_cast<xmlNode*>(shot.item);
-    record.shot = ShotPlace{shot.first_frame, shot.first_frame + shot.length, item};
+    const FrameRate& rate = opened.sequence_rate;
+    record.shot = ShotPlace{{rate.frames(shot.first_frame), rate.frames(shot.length)}, item};
     if (fcpxml_retimed(item) && retimed_named.insert(item).second) {
       opened.warnings.push_back("quillory: warning: " +
                                 clip_label(record.clip_name, item, opened.clips.size() + 1) +
