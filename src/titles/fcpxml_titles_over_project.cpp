@@ -92,7 +92,10 @@ AssumptionReport create_fcpxml_over_project(const std::vector<TitleTemplate>& te
     out.line("  " + shots[i].clip_name + ", " + shots[i].file_name + ", " +
              std::to_string(place.length));
     xmlNode* parent = anchors.find(place.anchor);
-    if (parent == nullptr) fail("shot " + std::to_string(i + 1) + " lies over no item of the primary storyline");
+    if (parent == nullptr) {
+      fail("shot " + std::to_string(i + 1) + " (" + xml::where(place.item) +
+           ") lies over no item of the primary storyline; nothing was written");
+    }
     const RationalTime length(place.length * frame_duration->value(), frame_duration->scale());
     anchor_item(parent, titles.make(doc, fcpxml_title_text(compose_title_text(shots[i], settings.lines)),
                                     {place.anchor_time, length, lane}));
