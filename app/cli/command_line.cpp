@@ -106,8 +106,8 @@ void add_options(CLI::App& app, Options& options) {
       });
   auto* sequence = app.add_option(
       "--sequence", options.sequence,
-      "title every shot of this top-level sequence of the source instead of its master clips: "
-      "the sequence is copied, with a track of titles above it");
+      "title every shot of this top-level sequence (an FCPXML project) of the source instead "
+      "of its master clips: the sequence is copied, with a track (a lane) of titles above it");
   app.add_option("--template", options.template_name,
                  "title template to use (default: the first, \"Default\")");
   app.add_option("--name", options.name,

@@ -5,6 +5,7 @@
 
 #include "startup/frame_rates.h"
 #include "titles/create_fcp_xml.h"
+#include "titles/fcpxml_titles_over_project.h"
 #include "titles/fcpxml_writer.h"
 #include "titles/replace_file.h"
 #include "titles/titles_over_sequence.h"
@@ -35,8 +36,10 @@ OpenOutcome Controller::get_info_from_clips(const std::string& path, const Form&
   document_path_ = path;
   source_ = std::move(opened);
   if (fcpxml()) {
-    const FcpxmlFrame frame = fcpxml_project_frame(source_.clips, source_.document.get(),
-                                                   title_settings(form).rate);
+    const FcpxmlFrame frame =
+        source_.sequence != nullptr
+            ? fcpxml_project_sequence_frame(source_.sequence)
+            : fcpxml_project_frame(source_.clips, source_.document.get(), title_settings(form).rate);
     frame_size_ = {frame.width, frame.height};
   } else {
     frame_size_ = sequence_video_format(source_.sequence, source_.clips).frame;
@@ -74,8 +77,11 @@ AssumptionReport Controller::create(const Form& form, const Destination& to, Lin
   require_creatable();
   check_form_text(form);
   AssumptionReport report =
-      fcpxml() ? create_fcpxml(source_.templates, source_.clips, title_settings(form),
-                               source_.document.get(), to, out)
+      fcpxml() && source_.sequence != nullptr
+          ? create_fcpxml_over_project(source_.templates, source_.clips, title_settings(form),
+                                       source_.sequence, to, out)
+      : fcpxml() ? create_fcpxml(source_.templates, source_.clips, title_settings(form),
+                                 source_.document.get(), to, out)
       : source_.sequence != nullptr
           ? create_titles_over_sequence(source_.templates, source_.clips, source_.sequence,
                                         title_settings(form), to, out)

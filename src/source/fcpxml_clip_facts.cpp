@@ -67,7 +67,7 @@ FcpxmlMediaPoint angle_point(const xmlNode* mc_clip, const RationalTime& time,
   const xmlNode* multicam = media != nullptr ? xml::first_child_element(media, "multicam") : nullptr;
   std::optional<std::string> angle_id;
   for (const xmlNode* source : xml::elements_at(mc_clip, {"mc-source"})) {
-    const auto enabled = xml::attribute(source, "srcEnable");
+    const std::string enabled = xml::attribute(source, "srcEnable").value_or("all");
     if (enabled == "all" || enabled == "video") {
       angle_id = xml::attribute(source, "angleID");
       break;
@@ -77,7 +77,8 @@ FcpxmlMediaPoint angle_point(const xmlNode* mc_clip, const RationalTime& time,
   for (const xmlNode* angle : xml::elements_at(multicam, {"mc-angle"})) {
     if (xml::attribute(angle, "angleID") != angle_id) continue;
     for (const xmlNode* item = angle->children; item != nullptr; item = item->next) {
-      if (item->type != XML_ELEMENT_NODE) continue;
+      // A transition overlaps the items it joins, which meet at its cut point.
+      if (item->type != XML_ELEMENT_NODE || xml::is_element(item, "transition")) continue;
       const RationalTime offset = fcpxml_time_attribute(item, "offset");
       if (time < offset || offset + fcpxml_time_attribute(item, "duration") <= time) continue;
       return fcpxml_media_point(item, into_child(item, time), resources);

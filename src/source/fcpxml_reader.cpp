@@ -1,9 +1,10 @@
 #include "source/fcpxml_reader.h"
 
-#include <set>
+#include <cmath>
 #include <unordered_set>
 
 #include "source/fcpxml_clip_facts.h"
+#include "source/fcpxml_shots.h"
 #include "source/fcpxml_time.h"
 #include "source/incomplete_input.h"
 #include "startup/frame_rates.h"
@@ -133,21 +134,45 @@ void remove_duplicates(std::vector<std::string>& names) {
   names = std::move(kept);
 }
 
-// The lanes of the sequence's picture: the primary storyline's 0 and each lane above it that
-// an item anchored to it uses.
-std::size_t lanes_used(const xmlNode* sequence) {
-  const xmlNode* spine = sequence != nullptr ? xml::first_child_element(sequence, "spine") : nullptr;
-  if (spine == nullptr) return 0;
-  std::set<long long> lanes;
-  for (const xmlNode* item = spine->children; item != nullptr; item = item->next) {
-    if (item->type != XML_ELEMENT_NODE) continue;
-    lanes.insert(0);
-    for (const xmlNode* anchored = item->children; anchored != nullptr; anchored = anchored->next) {
-      const auto lane = xml::attribute(anchored, "lane");
-      if (lane && xml::leading_integer(*lane) > 0) lanes.insert(xml::leading_integer(*lane));
+// A project's clips are its shots: each its clip item's facts at the shot's first frame, at the
+// project's rate. A frame duration no rate row holds stops the open unless reading tolerantly.
+void read_project_shots(const SequenceSummary& project, const FcpxmlResources& resources,
+                        bool tolerant, OpenedSource& opened) {
+  const xmlNode* sequence = xml::first_child_element(project.element, "sequence");
+  const auto frame_duration =
+      resources.frame_duration(xml::attribute(sequence, "format").value_or(""));
+  opened.sequence = project.element;
+  if (!project.rate.empty()) {
+    opened.sequence_rate = project.frame_rate;
+    opened.frame_rates = {project.rate};
+  } else {
+    const std::string duration = frame_duration ? "frame duration " + fcpxml_time_text(*frame_duration)
+                                                : "no frame duration";
+    const std::string what = "project \"" + shown(project.name) + "\" (" +
+                             xml::where(project.element) + "): no frame rate matches its " + duration;
+    if (!tolerant) throw IncompleteInput("quillory: " + what + "; frame durations read: " + frame_durations_read());
+    opened.warnings.push_back("quillory: warning: " + what + ", kept as written");
+    if (frame_duration) {
+      const TimeScale frames(frame_duration->scale().units(),
+                             frame_duration->value() * frame_duration->scale().seconds());
+      opened.sequence_rate = FrameRate(static_cast<int>(std::llround(frames.per_second())), false);
     }
   }
-  return lanes.size();
+  std::unordered_set<const xmlNode*> retimed_named;
+  for (const FcpxmlShot& shot : fcpxml_shots(sequence, resources)) {
+    ClipRecord record = fcpxml_clip_record(shot.item, shot.item_time, resources);
+    record.document = opened.document;
+    auto* item = const_cast<xmlNode*>(shot.item);
+    const FrameRate& rate = opened.sequence_rate;
+    record.shot = ShotPlace{{rate.frames(shot.first_frame), rate.frames(shot.length)}, item};
+    if (fcpxml_retimed(item) && retimed_named.insert(item).second) {
+      opened.warnings.push_back("quillory: warning: " +
+                                clip_label(record.clip_name, item, opened.clips.size() + 1) +
+                                " is retimed; its timecode is read as if it were not");
+    }
+    opened.clips.push_back(std::move(record));
+    opened.clip_rates.push_back(project.rate);
+  }
 }
 
 }  // namespace
@@ -186,9 +211,10 @@ std::vector<SequenceSummary> summarize_fcpxml_projects(const xmlNode* root,
       summary.duration =
           fcpxml_time_attribute(sequence, "duration").rescaled_to(row->rate.per_second());
     }
-    summary.video_tracks = lanes_used(sequence);
-    // The project's shots are counted where they are read.
-    summary.shots = 0;
+    if (sequence != nullptr) {
+      summary.video_tracks = fcpxml_lanes_used(sequence);
+      summary.shots = fcpxml_shots(sequence, resources).size();
+    }
     projects.push_back(std::move(summary));
   }
   return projects;
@@ -223,14 +249,13 @@ OpenedSource read_fcpxml_source(LoadedDocument loaded, bool tolerant, LineSink& 
   opened.document = xml::share(std::move(loaded.document));
   read_templates(root, opened.document, opened);
   try {
-    if (chosen != nullptr) {
-      // Titles over a project's shots are read here.
-      throw std::runtime_error("quillory: " + path + ": titles over the shots of a project (\"" +
-                               shown(chosen->name) + "\") are not made yet; open its event clips");
-    }
     print_assets(root, out);
-    EventClipReader reader(resources, opened.document, tolerant, opened, out);
-    for (xmlNode* clip : fcpxml_event_clips(root, resources)) reader.read(clip);
+    if (chosen != nullptr) {
+      read_project_shots(*chosen, resources, tolerant, opened);
+    } else {
+      EventClipReader reader(resources, opened.document, tolerant, opened, out);
+      for (xmlNode* clip : fcpxml_event_clips(root, resources)) reader.read(clip);
+    }
   } catch (const IncompleteInput& error) {
     opened.error = error.what();
     opened.incomplete = true;

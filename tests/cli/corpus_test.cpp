@@ -140,6 +140,38 @@ TEST(Corpus, EveryFcpxmlExportWritesAValidDocumentOrIsRefusedClearly) {
   }
 }
 
+// Every project of every real FCPXML export, titled over its shots (--sequence NAME): a document
+// valid against Apple's DTD of its version, with one title per shot the listing counts.
+TEST(Corpus, EveryFcpxmlProjectTitledOverItsShotsWritesAValidDocument) {
+  const fs::path folder = fs::path(QUILLORY_CORPUS_DIR) / "fcpxml";
+  if (!fs::is_directory(folder) || !fs::is_directory(QUILLORY_FCPXML_DTD_DIR)) {
+    GTEST_SKIP() << "no FCPXML corpus or DTDs beside the project";
+  }
+  std::size_t projects = 0;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    const bool bundle = entry.path().extension() == ".fcpxmld";
+    if (!bundle && entry.path().extension() != ".fcpxml") continue;
+    const auto source = test::parse(test::read_file(bundle ? entry.path() / "Info.fcpxml" : entry.path()));
+    for (const xmlNode* project : xml::all_descendants(xml::as_node(source.get()), "project")) {
+      const std::string name = xml::attribute(project, "name").value_or("");
+      SCOPED_TRACE(entry.path().filename().string() + ": " + name);
+      ++projects;
+      test::TempDir dir;
+      const auto result = test::run_command({QUILLORY_BINARY, "--sequence", name, "--output",
+                                             dir.file("out.fcpxml"), entry.path().string()},
+                                            {"XDG_DATA_HOME=" + dir.path().string()});
+      ASSERT_EQ(result.exit_code, 0) << result.err;
+      const std::string written = test::read_file(dir.file("out.fcpxml"));
+      EXPECT_EQ(test::fcpxml_dtd_problems(written, QUILLORY_FCPXML_DTD_DIR), "");
+      std::size_t shots = 0;
+      for (std::size_t at = 0; (at = result.out.find("\nClip ", at)) != std::string::npos; ++at) ++shots;
+      const auto output = test::parse(written);
+      EXPECT_EQ(test::texts(output, "count(//title[@name='Quillory Card'])"), std::to_string(shots) + "|");
+    }
+  }
+  EXPECT_EQ(projects, 33U);
+}
+
 // The picture seen at each frame of a sequence, read the slow way, frame by frame: the enabled
 // clip item of the highest enabled video track that covers the frame, generated media
 // (a file with a <mediaSource>) aside. An item's bound of -1 lies at the cut point of the

@@ -312,6 +312,17 @@ class MainWindowTest : public QObject {
     QVERIFY(window_->openDocument(kExample));
     QCOMPARE(sources->currentText(), QStringLiteral("Master Clips"));
     QVERIFY(control<QComboBox>("ratePopup")->isEnabled());
+    // An FCPXML document's projects are its sequences.
+    QVERIFY(window_->openDocument(QStringLiteral(
+        QUILLORY_CASES "/fcpxml_project_connected_clip_over_a_primary_clip_titles_three_shots/input.fcpxml")));
+    QCOMPARE(sources->itemText(1), QStringLiteral("Scene 12 cut"));
+    sources->setCurrentIndex(1);
+    QCOMPARE(shots->count(), 3);
+    QCOMPARE(shots->itemText(1), QStringLiteral("2. 12B-3 at 00:00:04:00"));
+    QVERIFY(!control<QComboBox>("ratePopup")->isEnabled());
+    QVERIFY(window_->createTitles());
+    QCOMPARE(read_all(window_->outputPath()).count("name=\"Quillory Card\""), 3);
+    QVERIFY(QFile::remove(window_->outputPath()));  // the Ferncroft folder holds one file
     // A sequence named like the first item is a sequence all the same.
     QVERIFY(window_->openDocument(QStringLiteral(QUILLORY_CASES "/sequence_named_master_clips_is_titled_with_the_option/input.xml")));
     sources->setCurrentIndex(1);
