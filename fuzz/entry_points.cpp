@@ -10,10 +10,8 @@
 
 #include "source/get_info_from_clips.h"
 #include "source/parse_xml_file.h"
-#include "titles/create_fcp_xml.h"
-#include "titles/fcpxml_writer.h"
+#include "titles/create_titles.h"
 #include "titles/sequence_templates.h"
-#include "titles/titles_over_sequence.h"
 #include "xml/read_xml.h"
 
 namespace quillory::fuzz {
@@ -111,15 +109,7 @@ void create(const std::uint8_t* data, std::size_t size) {
   NullSink out;
   std::filesystem::remove(output_path());
   try {
-    if (source.format == SourceFormat::Fcpxml) {
-      create_fcpxml(source.templates, source.clips, settings, source.document.get(), output_path(),
-                    out);
-    } else if (over_sequence) {
-      create_titles_over_sequence(source.templates, source.clips, source.sequence, settings,
-                                  output_path(), out);
-    } else {
-      create_fcp_xml(source.templates, source.clips, settings, output_path(), out);
-    }
+    create_titles(source, settings, output_path(), out);
   } catch (const std::exception&) {
     return;
   }

@@ -4,11 +4,10 @@
 #include <filesystem>
 
 #include "startup/frame_rates.h"
-#include "titles/create_fcp_xml.h"
+#include "titles/create_titles.h"
 #include "titles/fcpxml_titles_over_project.h"
 #include "titles/fcpxml_writer.h"
 #include "titles/replace_file.h"
-#include "titles/titles_over_sequence.h"
 #include "titles/sequence_templates.h"
 #include "titles/title_prototype.h"
 #include "source/user_message.h"
@@ -76,17 +75,7 @@ void check_form_text(const Form& form) {
 AssumptionReport Controller::create(const Form& form, const Destination& to, LineSink& out) const {
   require_creatable();
   check_form_text(form);
-  AssumptionReport report =
-      fcpxml() && source_.sequence != nullptr
-          ? create_fcpxml_over_project(source_.templates, source_.clips, title_settings(form),
-                                       source_.sequence, to, out)
-      : fcpxml() ? create_fcpxml(source_.templates, source_.clips, title_settings(form),
-                                 source_.document.get(), to, out)
-      : source_.sequence != nullptr
-          ? create_titles_over_sequence(source_.templates, source_.clips, source_.sequence,
-                                        title_settings(form), to, out)
-          : quillory::create_fcp_xml(source_.templates, source_.clips, title_settings(form), to, out,
-                                     source_.clip_rates);
+  AssumptionReport report = create_titles(source_, title_settings(form), to, out);
   report.warnings.insert(report.warnings.begin(), source_.warnings.begin(), source_.warnings.end());
   return report;
 }
