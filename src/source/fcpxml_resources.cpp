@@ -5,6 +5,7 @@
 
 #include "source/fcpxml_time.h"
 #include "xml/xml_nodes.h"
+#include "xml/xml_text.h"
 
 namespace quillory {
 
@@ -85,7 +86,10 @@ std::string asset_media_url(const xmlNode* asset) {
 std::string asset_media_file_name(const xmlNode* asset) {
   const std::string src = asset_media_url(asset);
   const std::size_t last = src.find_last_of('/');
-  return xml::uri_unescaped(last == std::string::npos ? src : src.substr(last + 1));
+  const std::string written = last == std::string::npos ? src : src.substr(last + 1);
+  // A name whose escapes stand for what XML may not hold ("%19") is shown as written.
+  std::string decoded = xml::uri_unescaped(written);
+  return xml::why_not_xml_text(decoded) ? written : decoded;
 }
 
 bool asset_has_video(const xmlNode* asset) {

@@ -52,7 +52,8 @@ std::optional<RateRecord> find_frame_rate_by_duration(const RationalTime& frame_
 
 // An asset's media file name: the last path component, percent-decoded, of the `src` of its
 // first <media-rep> of kind "original-media" (else its first <media-rep>), or of its own
-// `src` (version 1.8); "" when it has none.
+// `src` (version 1.8), as written where its escapes stand for characters XML may not hold;
+// "" when it has none.
 std::string asset_media_file_name(const xmlNode* asset);
 // The URL that name comes from, as the document writes it ("file:///..."); "" for none.
 std::string asset_media_url(const xmlNode* asset);

@@ -61,6 +61,7 @@ TEST(FcpxmlResources, FindsTheFirstOfAnIdAndNamesAnAssetsFile) {
     <asset id="r2" hasVideo="0"/>
     <asset id="r3" src="file:///old/clip.mov"/>
     <asset id="r4"><media-rep kind="proxy-media" src="file:///p/only%20proxy.mov"/></asset>
+    <asset id="r5" src="file:///old/room%19tone.wav"/>
     </resources></fcpxml>)");
   const xmlNode* root = xmlDocGetRootElement(doc.get());
   EXPECT_EQ(fcpxml_version(root), "1.11");
@@ -74,6 +75,7 @@ TEST(FcpxmlResources, FindsTheFirstOfAnIdAndNamesAnAssetsFile) {
   EXPECT_EQ(asset_media_file_name(resources.find("r2")), "A001#C003.mov");
   EXPECT_EQ(asset_media_file_name(resources.find("r3")), "clip.mov");
   EXPECT_EQ(asset_media_file_name(resources.find("r4")), "only proxy.mov");
+  EXPECT_EQ(asset_media_file_name(resources.find("r5")), "room%19tone.wav");
 }
 
 }  // namespace
