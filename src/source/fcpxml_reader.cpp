@@ -248,7 +248,7 @@ OpenedSource read_fcpxml_source(LoadedDocument loaded, bool tolerant, LineSink& 
   const std::string path = document_path(loaded.document.get());
   opened.document = xml::share(std::move(loaded.document));
   read_templates(root, opened.document, opened);
-  try {
+  const bool read = read_or_record_failure(opened, path, [&] {
     print_assets(root, out);
     if (chosen != nullptr) {
       read_project_shots(*chosen, resources, tolerant, opened);
@@ -256,14 +256,8 @@ OpenedSource read_fcpxml_source(LoadedDocument loaded, bool tolerant, LineSink& 
       EventClipReader reader(resources, opened.document, tolerant, opened, out);
       for (xmlNode* clip : fcpxml_event_clips(root, resources)) reader.read(clip);
     }
-  } catch (const IncompleteInput& error) {
-    opened.error = error.what();
-    opened.incomplete = true;
-    return opened;
-  } catch (const std::exception& error) {
-    opened.error = failure_message(error, path);
-    return opened;
-  }
+  });
+  if (!read) return opened;
   remove_duplicates(opened.frame_rates);
   opened.status = OpenStatus::Opened;
   return opened;

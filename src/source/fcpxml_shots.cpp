@@ -8,6 +8,7 @@
 
 #include "source/fcpxml_clip_facts.h"
 #include "source/fcpxml_time.h"
+#include "source/topmost_runs.h"
 #include "xml/xml_nodes.h"
 
 namespace quillory {
@@ -118,45 +119,14 @@ struct Candidate {
   long long first = 0, end = 0;
 };
 
-// Sweeps the candidates' bounds in frame order, keeping those under way ordered by lane, then
-// document order: the topmost is the picture seen until the next bound.
+// The candidates' pictures stacked by lane (then by document order): `shot` gets each run of
+// frames over which one candidate is the picture seen.
 template <typename Shot>
 void sweep(const std::vector<Candidate>& items, Shot shot) {
-  struct Event {
-    long long frame;
-    bool starts;
-    std::size_t item;
-  };
-  std::vector<Event> events;
-  events.reserve(items.size() * 2);
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    if (items[i].first >= items[i].end) continue;
-    events.push_back({items[i].first, true, i});
-    events.push_back({items[i].end, false, i});
-  }
-  std::ranges::sort(events, {}, &Event::frame);
-  const auto lower = [&](std::size_t a, std::size_t b) {
-    return std::pair(items[a].lane, items[a].order) < std::pair(items[b].lane, items[b].order);
-  };
-  std::set<std::size_t, decltype(lower)> under_way(lower);
-  std::optional<std::size_t> seen;
-  long long since = 0;
-  for (std::size_t i = 0; i < events.size();) {
-    const long long frame = events[i].frame;
-    for (; i < events.size() && events[i].frame == frame; ++i) {
-      if (events[i].starts) {
-        under_way.insert(events[i].item);
-      } else {
-        under_way.erase(events[i].item);
-      }
-    }
-    const std::optional<std::size_t> top =
-        under_way.empty() ? std::nullopt : std::optional(*under_way.rbegin());
-    if (top == seen) continue;
-    if (seen) shot(items[*seen], since, frame);
-    seen = top;
-    since = frame;
-  }
+  std::vector<StackedPicture> pictures;
+  pictures.reserve(items.size());
+  for (const Candidate& item : items) pictures.push_back({item.first, item.end, item.lane, item.order});
+  topmost_runs(pictures, [&](std::size_t i, long long first, long long end) { shot(items[i], first, end); });
 }
 
 // The primary storyline's items (transitions aside) by place, for anchoring titles.

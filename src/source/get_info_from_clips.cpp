@@ -282,6 +282,20 @@ std::string sequence_name_for(const std::string& path) {
   return file.stem().string();
 }
 
+bool read_or_record_failure(OpenedSource& opened, const std::string& path,
+                            const std::function<void()>& read) {
+  try {
+    read();
+    return true;
+  } catch (const IncompleteInput& error) {
+    opened.error = error.what();
+    opened.incomplete = true;
+  } catch (const std::exception& error) {
+    opened.error = failure_message(error, path);
+  }
+  return false;
+}
+
 OpenedSource get_info_from_clips(const std::string& path, const TitleTemplate& built_in,
                                  bool tolerant, LineSink& out,
                                  const std::optional<std::string>& sequence) {
@@ -323,17 +337,11 @@ OpenedSource read_loaded_source(LoadedDocument loaded, const TitleTemplate& buil
   opened.sequence = chosen != nullptr ? chosen->element : nullptr;
   const auto* url = loaded.document->URL;
   const std::string path = url != nullptr ? reinterpret_cast<const char*>(url) : "the source";
-  try {
-    opened.document = xml::share(std::move(loaded.document));
+  opened.document = xml::share(std::move(loaded.document));
+  const bool read = read_or_record_failure(opened, path, [&] {
     read_clips(opened.document, tolerant, opened, out, chosen, index);
-  } catch (const IncompleteInput& error) {
-    opened.error = error.what();
-    opened.incomplete = true;
-    return opened;
-  } catch (const std::exception& error) {
-    opened.error = failure_message(error, path);
-    return opened;
-  }
+  });
+  if (!read) return opened;
   if (loaded.damage) opened.warnings.push_back(damage_warning(*loaded.damage, opened.clips.size()));
   remove_duplicates(opened.frame_rates);
   opened.status = OpenStatus::Opened;

@@ -2,6 +2,7 @@
 // Opening a source document: loads it and reads the title templates it offers, one record per
 // media clip, and the frame rates met among those clips.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -53,6 +54,11 @@ struct OpenedSource {
   // Warnings about the document as a whole, beside those of its clips.
   std::vector<std::string> warnings;
 };
+
+// Runs `read`, which fills `opened` from the document at `path`; where it throws, records why in
+// `opened` (with whether tolerant reading would take it) and returns false.
+bool read_or_record_failure(OpenedSource& opened, const std::string& path,
+                            const std::function<void()>& read);
 
 // Loads the document at `path` and reads it, writing the progress lines to `out`. `built_in`
 // is the template every open offers first. A Broken open keeps what the clips before the

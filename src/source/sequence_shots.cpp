@@ -1,10 +1,10 @@
 #include "source/sequence_shots.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
 #include "source/timecode.h"
+#include "source/topmost_runs.h"
 #include "source/user_message.h"
 #include "startup/frame_rates.h"
 #include "xml/xml_nodes.h"
@@ -119,46 +119,16 @@ std::vector<Span> visible_spans(const xmlNode* sequence, const DocumentIndex& in
   return spans;
 }
 
-struct Event {
-  long long frame;
-  bool starts;
-  std::size_t span;
-};
-
-// Sweeps the spans' bounds in time order, keeping the spans under way ordered by track (then
-// by document order): the topmost is the picture seen until the next bound.
+// The spans' pictures stacked by track (then by document order): `shot` gets each run of
+// frames over which one span is the picture seen.
 template <typename Shot>
 void sweep(const std::vector<Span>& spans, Shot shot) {
-  std::vector<Event> events;
-  events.reserve(spans.size() * 2);
-  for (std::size_t i = 0; i < spans.size(); ++i) {
-    events.push_back({spans[i].start, true, i});
-    events.push_back({spans[i].end, false, i});
+  std::vector<StackedPicture> pictures;
+  pictures.reserve(spans.size());
+  for (const Span& span : spans) {
+    pictures.push_back({span.start, span.end, static_cast<long long>(span.track), span.order});
   }
-  std::sort(events.begin(), events.end(),
-            [](const Event& a, const Event& b) { return a.frame < b.frame; });
-  const auto higher = [&](std::size_t a, std::size_t b) {
-    return std::pair(spans[a].track, spans[a].order) < std::pair(spans[b].track, spans[b].order);
-  };
-  std::set<std::size_t, decltype(higher)> under_way(higher);
-  std::optional<std::size_t> seen;
-  long long since = 0;
-  for (std::size_t i = 0; i < events.size();) {
-    const long long frame = events[i].frame;
-    for (; i < events.size() && events[i].frame == frame; ++i) {
-      if (events[i].starts) {
-        under_way.insert(events[i].span);
-      } else {
-        under_way.erase(events[i].span);
-      }
-    }
-    const std::optional<std::size_t> top =
-        under_way.empty() ? std::nullopt : std::optional(*under_way.rbegin());
-    if (top == seen) continue;
-    if (seen) shot(spans[*seen], since, frame);
-    seen = top;
-    since = frame;
-  }
+  topmost_runs(pictures, [&](std::size_t i, long long first, long long end) { shot(spans[i], first, end); });
 }
 
 std::string item_name(const xmlNode* item, const DocumentIndex& index) {
