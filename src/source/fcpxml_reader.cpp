@@ -139,6 +139,10 @@ void remove_duplicates(std::vector<std::string>& names) {
 void read_project_shots(const SequenceSummary& project, const FcpxmlResources& resources,
                         bool tolerant, OpenedSource& opened) {
   const xmlNode* sequence = xml::first_child_element(project.element, "sequence");
+  if (sequence == nullptr) {
+    fail("project \"" + shown(project.name) + "\" (" + xml::where(project.element) +
+         ") has no <sequence>: it holds no edit to title");
+  }
   const auto frame_duration =
       resources.frame_duration(xml::attribute(sequence, "format").value_or(""));
   opened.sequence = project.element;

@@ -96,7 +96,7 @@ std::string text_content(const xmlNode* node) {
 }
 
 xmlNode* first_child_element(const xmlNode* parent, const char* name) {
-  for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+  for (xmlNode* child = parent != nullptr ? parent->children : nullptr; child != nullptr; child = child->next) {
     if (is_element(child, name)) return child;
   }
   return nullptr;

@@ -20,7 +20,8 @@ std::string text_content(const xmlNode* node);
 // name follows this rule, as an XPath name test without a prefix does.
 bool is_element(const xmlNode* node, const char* name);
 
-// The first child element with the given name (what the relative XPath "name" selects), or null.
+// The first child element with the given name (what the relative XPath "name" selects), or null;
+// null also for no parent, so that a path through elements a document may lack reads as absent.
 xmlNode* first_child_element(const xmlNode* parent, const char* name);
 
 // What the relative XPath ".//NAME" selects first (".//PARENT/NAME" with `parent`): the first
