@@ -172,8 +172,7 @@ bool fcpxml_shows_picture(const xmlNode* clip_item, const xmlNode* media_item,
 
 std::string fcpxml_timecode(const RationalTime& source_time, const RationalTime& frame_duration,
                             bool drop_frame) {
-  const TimeScale frames(frame_duration.scale().units(),
-                         frame_duration.value() * frame_duration.scale().seconds());
+  const TimeScale frames = scale_counting(frame_duration);
   const std::optional<RateRecord> row = find_frame_rate_by_duration(frame_duration);
   TimecodeFormat format;
   format.timebase = row ? row->rate.timebase() : static_cast<int>(std::llround(frames.per_second()));

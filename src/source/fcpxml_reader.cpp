@@ -157,8 +157,7 @@ void read_project_shots(const SequenceSummary& project, const FcpxmlResources& r
     if (!tolerant) throw IncompleteInput("quillory: " + what + "; frame durations read: " + frame_durations_read());
     opened.warnings.push_back("quillory: warning: " + what + ", kept as written");
     if (frame_duration) {
-      const TimeScale frames(frame_duration->scale().units(),
-                             frame_duration->value() * frame_duration->scale().seconds());
+      const TimeScale frames = scale_counting(*frame_duration);
       opened.sequence_rate = FrameRate(static_cast<int>(std::llround(frames.per_second())), false);
     }
   }

@@ -175,8 +175,7 @@ std::vector<FcpxmlShot> fcpxml_shots(const xmlNode* sequence, const FcpxmlResour
                           frames_up(place + time_of(item, "duration") - tc_start, *frame_duration)});
   });
   const std::vector<Anchor> anchors = primary_items(sequence);
-  const TimeScale frames(frame_duration->scale().units(),
-                         frame_duration->value() * frame_duration->scale().seconds());
+  const TimeScale frames = scale_counting(*frame_duration);
   sweep(candidates, [&](const Candidate& seen, long long first, long long end) {
     FcpxmlShot shot;
     shot.item = seen.item;

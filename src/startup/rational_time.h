@@ -101,6 +101,12 @@ class RationalTime {
   TimeScale scale_;
 };
 
+// The scale whose unit lasts `unit` (a frame's duration): 1001/30000 s gives 30000/1001 units a
+// second, so that a time rescaled to it counts such frames.
+constexpr TimeScale scale_counting(const RationalTime& unit) {
+  return {unit.scale().units(), unit.value() * unit.scale().seconds()};
+}
+
 struct TimeRange {
   RationalTime start;
   RationalTime duration;
