@@ -22,7 +22,8 @@ bool is_blank(const xmlNode* node) {
 // - an element or attribute whose name keeps a colon without a namespace ("timebase:",
 //   "a:b" with "a" bound nowhere): the parser keeps a name it could not split into a bound
 //   prefix and a local name as written;
-// - a repeated attribute.
+// - a repeated attribute;
+// - a comment that holds "--" or ends in "-".
 bool is_stray_declaration(const xmlNode* node) {
   return node->type == XML_PI_NODE && xmlStrcasecmp(node->name, BAD_CAST "xml") == 0;
 }
@@ -31,8 +32,16 @@ bool unbound_name(const xmlChar* name, const xmlNs* ns) {
   return ns == nullptr && name != nullptr && xmlStrchr(name, ':') != nullptr;
 }
 
+// A comment holding "--", or ending in "-", which the recovering parser keeps.
+bool is_broken_comment(const xmlNode* node) {
+  if (node->type != XML_COMMENT_NODE || node->content == nullptr) return false;
+  const int length = xmlStrlen(node->content);
+  return xmlStrstr(node->content, BAD_CAST "--") != nullptr ||
+         (length > 0 && node->content[length - 1] == '-');
+}
+
 bool is_unwritable(const xmlNode* node) {
-  return is_stray_declaration(node) ||
+  return is_stray_declaration(node) || is_broken_comment(node) ||
          (node->type == XML_ELEMENT_NODE && unbound_name(node->name, node->ns));
 }
 
