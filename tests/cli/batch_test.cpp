@@ -123,6 +123,7 @@ TEST_F(Batch, StoppedWhileWritingSeveralLeavesNoTemporaryFile) {
     for (const auto& name : files_in(dir.file("out"))) temporary += name.size() > 9 ? 1 : 0;
     return temporary;
   };
+  bool stopped_while_writing = false;
   const auto result = test::run_command(
       {QUILLORY_BINARY, "--jobs", "2", "--output-dir", dir.file("out"), dir.file("big1.xml"),
        dir.file("big2.xml")},
@@ -136,8 +137,15 @@ TEST_F(Batch, StoppedWhileWritingSeveralLeavesNoTemporaryFile) {
         while (writing() < 2 && !(writing() == 1 && waited(5)) && !waited(60)) {
           std::this_thread::sleep_for(std::chrono::microseconds(200));
         }
+        stopped_while_writing = writing() > 0;
         ::kill(pid, SIGTERM);
       });
+  if (!stopped_while_writing && result.exit_code == 0) {
+    // On a machine too busy to let the watch see a temporary file, the batch ended before it
+    // could be stopped: then only its finished files are there.
+    EXPECT_EQ(writing(), 0u);
+    return;
+  }
   EXPECT_EQ(result.exit_code, 128 + SIGTERM) << result.err;
   EXPECT_TRUE(files_in(dir.file("out")).empty());
 }
