@@ -23,11 +23,15 @@ std::optional<RationalTime> read_fcpxml_time(std::string_view text) {
   if (text.empty() || text.back() != 's') return std::nullopt;
   text.remove_suffix(1);
   const std::size_t slash = text.find('/');
+  // Bounds far past any edit (a count of 2^40 units, a second of 2^24 units: a million hours
+  // at Final Cut Pro's finest scale) keep every sum and conversion of times within 64 bits.
+  constexpr long long kLargestCount = 1LL << 40;
+  constexpr long long kFinestScale = 1LL << 24;
   const auto count = whole_number<long long>(text.substr(0, slash));
-  if (!count) return std::nullopt;
+  if (!count || *count > kLargestCount || *count < -kLargestCount) return std::nullopt;
   if (slash == std::string_view::npos) return RationalTime(*count, TimeScale(1, 1));
   const auto per_second = whole_number<long long>(text.substr(slash + 1));
-  if (!per_second || *per_second <= 0) return std::nullopt;
+  if (!per_second || *per_second <= 0 || *per_second > kFinestScale) return std::nullopt;
   return RationalTime(*count, TimeScale(*per_second, 1));
 }
 

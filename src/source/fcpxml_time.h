@@ -12,8 +12,8 @@
 
 namespace quillory {
 
-// "N/Ds" or "Ns" (N a whole number, possibly negative; D a positive one), read exactly: N
-// units on a scale of D units a second. None for any other text.
+// "N/Ds" or "Ns" (N a whole number, possibly negative, of at most 2^40; D a positive one of at
+// most 2^24), read exactly: N units on a scale of D units a second. None for any other text.
 std::optional<RationalTime> read_fcpxml_time(std::string_view text);
 
 // The time in the element's attribute `name` ("offset", "start", "duration"...); 0 s when the

@@ -8,6 +8,8 @@
 
 #include <compare>
 #include <cstdint>
+#include <limits>
+#include <stdexcept>
 
 namespace quillory {
 
@@ -65,19 +67,19 @@ class RationalTime {
     // a long count at a fine scale cannot overflow on the way.
     const WideCount numerator = static_cast<WideCount>(value_) * scale.units() * scale_.seconds();
     const WideCount denominator = static_cast<WideCount>(scale_.units()) * scale.seconds();
-    return {static_cast<long long>(divide_rounding(numerator, denominator)), scale};
+    return {narrowed(divide_rounding(numerator, denominator)), scale};
   }
 
   // On this time's scale when both share it, else on their common scale: never rounded.
   constexpr RationalTime operator+(const RationalTime& other) const {
-    if (scale_ == other.scale_) return {value_ + other.value_, scale_};
+    if (scale_ == other.scale_) return {narrowed(WideCount(value_) + other.value_), scale_};
     const TimeScale scale = TimeScale::common(scale_, other.scale_);
-    return {rescaled_to(scale).value_ + other.rescaled_to(scale).value_, scale};
+    return {narrowed(WideCount(rescaled_to(scale).value_) + other.rescaled_to(scale).value_), scale};
   }
   constexpr RationalTime operator-(const RationalTime& other) const {
-    if (scale_ == other.scale_) return {value_ - other.value_, scale_};
+    if (scale_ == other.scale_) return {narrowed(WideCount(value_) - other.value_), scale_};
     const TimeScale scale = TimeScale::common(scale_, other.scale_);
-    return {rescaled_to(scale).value_ - other.rescaled_to(scale).value_, scale};
+    return {narrowed(WideCount(rescaled_to(scale).value_) - other.rescaled_to(scale).value_), scale};
   }
   // Ordered by the instants they stand for, whatever their scales.
   constexpr std::strong_ordering operator<=>(const RationalTime& other) const {
@@ -90,6 +92,14 @@ class RationalTime {
   }
 
  private:
+  // A count that a time holds; a time past what 64 bits count is no time a document means.
+  static constexpr long long narrowed(WideCount count) {
+    if (count > std::numeric_limits<long long>::max() || count < std::numeric_limits<long long>::min()) {
+      throw std::range_error("quillory: a time lies out of range");
+    }
+    return static_cast<long long>(count);
+  }
+
   // numerator / denominator to the nearest whole number, a half away from zero.
   static constexpr WideCount divide_rounding(WideCount numerator, WideCount denominator) {
     if (denominator < 0) numerator = -numerator, denominator = -denominator;

@@ -30,6 +30,8 @@ TEST(FcpxmlTime, ReadsAndWritesRationalSeconds) {
       {" 3600s", std::nullopt, ""},
       {"s", std::nullopt, ""},
       {"1.5s", std::nullopt, ""},
+      {"1099511627777s", std::nullopt, ""},  // 2^40 + 1: past any edit
+      {"1/16777217s", std::nullopt, ""},
   };
   for (const Row& row : rows) {
     const std::optional<RationalTime> time = read_fcpxml_time(row.text);
